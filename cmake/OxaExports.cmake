@@ -1,0 +1,52 @@
+# Each subsystem lists the entry points it exports, one name a line, in
+# src/<subsystem>/exports.txt ('#' starts a comment). oxa_export_map() joins the
+# lists into one linker version script; everything else stays local. The same
+# joined list drives the exported-symbol test.
+
+function(oxa_read_export_list out)
+  set(names "")
+  foreach(list_file IN LISTS ARGN)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list_file})
+    file(STRINGS ${list_file} lines)
+    foreach(line IN LISTS lines)
+      string(REGEX REPLACE "#.*$" "" line "${line}")
+      string(STRIP "${line}" line)
+      if(NOT line STREQUAL "")
+        list(APPEND names ${line})
+      endif()
+    endforeach()
+  endforeach()
+  list(SORT names)
+  list(REMOVE_DUPLICATES names)
+  set(${out} ${names} PARENT_SCOPE)
+endfunction()
+
+function(oxa_write_version_script target names_var)
+  set(script "{\n")
+  if(${names_var})
+    string(APPEND script "  global:\n")
+  endif()
+  foreach(name IN LISTS ${names_var})
+    string(APPEND script "    ${name};\n")
+  endforeach()
+  string(APPEND script "  local:\n    *;\n};\n")
+  set(path ${CMAKE_CURRENT_BINARY_DIR}/${target}.map)
+  file(CONFIGURE OUTPUT ${path} CONTENT "${script}")
+  set(list_path ${CMAKE_CURRENT_BINARY_DIR}/${target}.exports)
+  list(JOIN ${names_var} "\n" joined)
+  file(CONFIGURE OUTPUT ${list_path} CONTENT "${joined}\n")
+  target_link_options(${target} PRIVATE "LINKER:--version-script=${path}")
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${path})
+  set_property(TARGET ${target} PROPERTY OXA_EXPORT_LIST ${list_path})
+endfunction()
+
+# oxa_export_map(<target> <subsystem>...): exports the union of the listed
+# subsystems' exports.txt from <target>.
+function(oxa_export_map target)
+  set(files "")
+  foreach(sub IN LISTS ARGN)
+    list(APPEND files ${PROJECT_SOURCE_DIR}/src/${sub}/exports.txt)
+  endforeach()
+  oxa_read_export_list(names ${files})
+  oxa_write_version_script(${target} names)
+endfunction()

@@ -1,0 +1,36 @@
+# Compares the dynamic symbols a shared library defines with its export list.
+# Usage: cmake -DLIBRARY=<lib.so> -DEXPECTED=<list file> -DNM=<nm> -P check_exports.cmake
+execute_process(COMMAND ${NM} -D --defined-only --format=posix ${LIBRARY}
+                OUTPUT_VARIABLE nm_out RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "nm failed on ${LIBRARY}")
+endif()
+string(REPLACE "\n" ";" nm_lines "${nm_out}")
+set(actual "")
+foreach(line IN LISTS nm_lines)
+  if(line MATCHES "^([^ ]+) ")
+    string(REGEX REPLACE "@.*$" "" name "${CMAKE_MATCH_1}")
+    list(APPEND actual ${name})
+  endif()
+endforeach()
+list(SORT actual)
+list(REMOVE_DUPLICATES actual)
+
+file(STRINGS ${EXPECTED} expected)
+list(FILTER expected EXCLUDE REGEX "^$")
+list(SORT expected)
+
+set(leaked ${actual})
+set(missing ${expected})
+if(expected)
+  list(REMOVE_ITEM leaked ${expected})
+endif()
+if(actual)
+  list(REMOVE_ITEM missing ${actual})
+endif()
+if(leaked OR missing)
+  message(FATAL_ERROR "exports of ${LIBRARY} differ from ${EXPECTED}\n"
+                      "  not in the list: ${leaked}\n  not exported: ${missing}")
+endif()
+list(LENGTH actual n)
+message(STATUS "${LIBRARY}: ${n} exported symbols, as listed")
