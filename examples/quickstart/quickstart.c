@@ -1,7 +1,8 @@
-/* A short tour of oxa, in C. Each subsystem adds its section below. */
+/* A short tour of oxa, in C. Each subsystem has its section in tour_<subsystem>.c. */
 #include <stdio.h>
 
 #include "oxa/oxa.h"
+#include "tour.h"
 
 /* Adds the squares of each index's block of 1000 integers, one block a call. */
 static void sum_squares(void* context, int64_t index, int32_t thread, int32_t nthreads) {
@@ -13,7 +14,7 @@ static void sum_squares(void* context, int64_t index, int32_t thread, int32_t nt
   partial[index] = s;
 }
 
-static int tour_service(void) {
+int tour_service(void) {
   printf("== service layer ==\n");
   const oxa_num_threads_limit_fn limit = (oxa_num_threads_limit_fn)oxa_serv_load_thread_fun(
       "oxa_vsl_serv_threader_get_num_threads_limit");
@@ -33,6 +34,9 @@ static int tour_service(void) {
 }
 
 int main(void) {
-  if (tour_service() != 0) return 1;
+  int (*const tours[])(void) = {tour_service,       tour_streams,      tour_distributions,
+                                tour_summary_stats, tour_data_fitting, tour_vector_math};
+  for (size_t i = 0; i < sizeof tours / sizeof tours[0]; ++i)
+    if (tours[i]() != 0) return 1;
   return 0;
 }
