@@ -146,15 +146,19 @@ TEST(Generators, KnownRealSequences) {
   }
 }
 
-// Every n from 0 to 70 and four buffer offsets: a call of n values equals n
-// calls of one value, in double and single precision, and leaves the stream
-// where one-at-a-time generation leaves it.
+// Every n from 0 to 70, n around the 1024-value blocks, and four buffer
+// offsets: a call of n values equals n calls of one value, in double and
+// single precision, and leaves the stream where one-at-a-time generation
+// leaves it.
 TEST(Generators, VectorKernelsMatchOneAtATime) {
+  std::vector<int32_t> sizes;
+  for (int32_t n = 0; n <= 70; ++n) sizes.push_back(n);
+  for (int32_t n : {1023, 1024, 1025, 2048 + 37, 5000}) sizes.push_back(n);
   for (const Generator& g : kGenerators) {
     SCOPED_TRACE(g.name);
     BrngProperties p;
     ASSERT_EQ(_vslGetBrngProperties(g.id, &p), 0);
-    for (int32_t n = 0; n <= 70; ++n) {
+    for (int32_t n : sizes) {
       for (int offset = 0; offset < 4; ++offset) {
         Stream vec(g.id, {2024, 7, 11, 13});
         Stream one(vec);
