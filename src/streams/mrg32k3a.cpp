@@ -36,6 +36,7 @@ struct MrgState {
   uint32_t x1[3];  // x1(n-3), x1(n-2), x1(n-1)
   uint32_t x2[3];
 };
+static_assert(sizeof(StreamState) + sizeof(MrgState) == 40, "StateBytes of the registry row");
 
 // Produces n output words z into w and advances the state.
 inline void words(MrgState& s, int32_t n, uint32_t* w) {
