@@ -38,6 +38,13 @@ TEST(Chunks, ListOperations) {
   EXPECT_NE(_vslSearchChunk(c.get(), 5), _vslSearchChunk(s.get(), 5));
   EXPECT_EQ(static_cast<unsigned char*>(_vslSearchChunk(c.get(), 5))[543], 1);
 
+  // Copying the state replaces the destination's chunks by copies.
+  Stream d(OXA_BRNG_MCG31M1, {2});
+  ASSERT_EQ(_vslAddChunk(d.get(), 4, nullptr, buffer(8, 4), 8), 0);
+  ASSERT_EQ(_vslCopyStreamState(d.get(), s.get()), 0);
+  EXPECT_EQ(_vslGetNumChunks(d.get()), 3);
+  EXPECT_EQ(_vslSearchChunk(d.get(), 4), nullptr);
+
   ASSERT_EQ(_vslDeleteChunks(c.get()), 0);
   EXPECT_EQ(c.get()->chunks, nullptr);
   EXPECT_EQ(_vslGetStreamSize(c.get()), 24);
