@@ -65,7 +65,10 @@ struct Reference {
       for (int64_t j = 0; j < p; ++j) {
         const long double x = d.at(j, i);
         sum[j] += w * x;
-        for (int k = 0; k < 3; ++k) raw[k][j] += w * powl(x, k + 2);
+        const long double x2 = x * x;
+        raw[0][j] += w * x2;
+        raw[1][j] += w * x2 * x;
+        raw[2][j] += w * x2 * x2;
       }
     }
     for (int64_t j = 0; j < p; ++j) mean[j] = given ? (*given)[j] : sum[j] / W;
@@ -73,7 +76,10 @@ struct Reference {
       const long double w = weighted ? d.weights[i] : 1.0L;
       for (int64_t a = 0; a < p; ++a) {
         const long double da = d.at(a, i) - mean[a];
-        for (int k = 0; k < 3; ++k) central[k][a] += w * powl(da, k + 2);
+        const long double d2 = da * da;
+        central[0][a] += w * d2;
+        central[1][a] += w * d2 * da;
+        central[2][a] += w * d2 * d2;
         for (int64_t b = 0; b < p; ++b) cp[a * p + b] += w * da * (d.at(b, i) - mean[b]);
       }
     }
