@@ -85,7 +85,7 @@ CallLayout<T> layout(int64_t p, int64_t pc, bool cp, int32_t nthreads, bool by_o
   CallLayout<T> L{};
   L.ps = (pc + 7) & ~int64_t{7};
   if (cp)
-    L.block_size = std::clamp<int64_t>(8192 / L.ps, 16, 512);
+    L.block_size = std::clamp<int64_t>(32768 / L.ps, 16, 512);
   else
     L.block_size = by_observation ? std::clamp<int64_t>(16384 / L.ps, 16, 2048) : 2048;
   L.scratch_elements = 3 * L.block_size * L.ps;

@@ -22,6 +22,7 @@
 
 #include "summary_stats/basic_plan.hpp"
 #include "summary_stats/basic_state.hpp"
+#include "summary_stats/cross_tiles.hpp"
 
 namespace oxa::ss {
 
@@ -88,25 +89,6 @@ void power_sums(const T* __restrict v, const T* __restrict w, int64_t n, T c, T*
       for (int l = 0; l < h; ++l) acc[q][l] += acc[q][l + h];
     out[q] += acc[q][0];
   }
-}
-
-// cp[a][b] += sum_i dw[i][a] d[i][b] on the tiles that touch the upper
-// triangle; rows of d and dw have stride ps (a multiple of 8, padding zero).
-template <class T>
-void cross_tiles(int64_t nb, int64_t ps, const T* __restrict d, const T* __restrict dw,
-                 T* __restrict cp) {
-  for (int64_t a0 = 0; a0 < ps; a0 += 4)
-    for (int64_t b0 = a0 & ~int64_t{7}; b0 < ps; b0 += 8) {
-      T acc[4][8] = {};
-      for (int64_t i = 0; i < nb; ++i) {
-        const T* di = d + i * ps + b0;
-        const T* ei = dw + i * ps + a0;
-        for (int r = 0; r < 4; ++r)
-          for (int c = 0; c < 8; ++c) acc[r][c] = std::fma(ei[r], di[c], acc[r][c]);
-      }
-      for (int r = 0; r < 4; ++r)
-        for (int c = 0; c < 8; ++c) cp[(a0 + r) * ps + b0 + c] += acc[r][c];
-    }
 }
 
 // Block state of observations [i0, i0 + nb) by component rows.
@@ -187,7 +169,7 @@ void block_by_observation(const KernelArgs<T>& a, int64_t i0, int64_t nb, Partia
         if constexpr (C >= 4) c4[k] += wd * dk * dk * dk;
         if constexpr (CP) {
           d[i * ps + k] = dk;
-          dw[i * ps + k] = wd;
+          if constexpr (Weighted) dw[i * ps + k] = wd;
         }
       }
     }
@@ -226,8 +208,8 @@ int basic_kernel(const KernelArgs<T>& a) {
         detail::block_by_component<T, M, Weighted, R, C, CP>(a, i, nb, B);
       if constexpr (CP) {
         const T* d = a.scratch;
-        const T* dw = Weighted || ByObservation ? a.scratch + a.block_size * a.ps : d;
-        detail::cross_tiles(nb, a.ps, d, dw, B.cp);
+        const T* dw = Weighted ? a.scratch + a.block_size * a.ps : d;
+        cross_tiles(nb, a.ps, d, dw, B.cp);
       }
       merge(*a.state, B, parts);
     }
