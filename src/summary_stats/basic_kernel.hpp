@@ -23,6 +23,7 @@
 #include "summary_stats/basic_plan.hpp"
 #include "summary_stats/basic_state.hpp"
 #include "summary_stats/cross_tiles.hpp"
+#include "summary_stats/lanes.hpp"
 
 namespace oxa::ss {
 
@@ -59,35 +60,42 @@ constexpr int kernel_central_order(Method m, int level) {
 
 namespace detail {
 
-inline constexpr int kLanes = 8;
-
-// out[q] += sum over i of w_i (v_i - c)^(q+1), q < P; eight independent lanes
-// so that the loop vectorizes without reassociating.
+// out[q] += sum over i of w_i (v_i - c)^(q+1), q < P, over U independent
+// vector accumulators per power (a fixed summation order for every n).
 template <int P, bool Weighted, class T>
-void power_sums(const T* __restrict v, const T* __restrict w, int64_t n, T c, T* out) {
-  T acc[P][kLanes] = {};
+void power_sums(const T* v, const T* w, int64_t n, T c, T* out) {
+  using L = Lanes<T>;
+  using V = typename L::V;
+  constexpr int W = L::kWidth, U = P <= 2 ? 4 : 2;
+  V acc[P][U];
+  for (int q = 0; q < P; ++q)
+    for (int u = 0; u < U; ++u) acc[q][u] = L::zero();
+  const V cv = L::set1(c);
   int64_t i = 0;
-  for (; i + kLanes <= n; i += kLanes)
-    for (int l = 0; l < kLanes; ++l) {
-      const T d = v[i + l] - c;
-      T pw = Weighted ? w[i + l] * d : d;
+  for (; i + U * W <= n; i += U * W)
+    for (int u = 0; u < U; ++u) {
+      const V d = L::sub(L::load(v + i + u * W), cv);
+      V pw = Weighted ? L::mul(L::load(w + i + u * W), d) : d;
       for (int q = 0; q < P; ++q) {
-        acc[q][l] += pw;
-        pw *= d;
+        acc[q][u] = L::add(acc[q][u], pw);
+        if (q + 1 < P) pw = L::mul(pw, d);
       }
     }
+  for (int q = 0; q < P; ++q) {
+    for (int u = 1; u < U; ++u) acc[q][0] = L::add(acc[q][0], acc[q][u]);
+    T lanes[W];
+    L::store(lanes, acc[q][0]);
+    T s = 0;
+    for (int l = 0; l < W; ++l) s += lanes[l];
+    out[q] += s;
+  }
   for (; i < n; ++i) {
     const T d = v[i] - c;
     T pw = Weighted ? w[i] * d : d;
     for (int q = 0; q < P; ++q) {
-      acc[q][0] += pw;
+      out[q] += pw;
       pw *= d;
     }
-  }
-  for (int q = 0; q < P; ++q) {
-    for (int h = kLanes / 2; h >= 1; h /= 2)
-      for (int l = 0; l < h; ++l) acc[q][l] += acc[q][l + h];
-    out[q] += acc[q][0];
   }
 }
 

@@ -9,42 +9,15 @@
 // Accuracy: one rounding per FMA; a block's sums are merged pairwise.
 #pragma once
 
-#include <immintrin.h>
-
 #include <cstdint>
+
+#include "summary_stats/lanes.hpp"
 
 namespace oxa::ss {
 
 template <class T>
-struct TileLanes;
-
-template <>
-struct TileLanes<double> {
-  using V = __m256d;
-  static constexpr int kWidth = 4;  // lanes per vector
-  static constexpr int kRows = 4;   // tile rows: 4 x 2 vectors = 8 accumulators
-  static V zero() { return _mm256_setzero_pd(); }
-  static V load(const double* p) { return _mm256_loadu_pd(p); }
-  static V broadcast(const double* p) { return _mm256_broadcast_sd(p); }
-  static V fma(V a, V b, V c) { return _mm256_fmadd_pd(a, b, c); }
-  static void add_to(double* p, V v) { _mm256_storeu_pd(p, _mm256_add_pd(_mm256_loadu_pd(p), v)); }
-};
-
-template <>
-struct TileLanes<float> {
-  using V = __m256;
-  static constexpr int kWidth = 8;
-  static constexpr int kRows = 8;  // 8 x 1 vector = 8 accumulators
-  static V zero() { return _mm256_setzero_ps(); }
-  static V load(const float* p) { return _mm256_loadu_ps(p); }
-  static V broadcast(const float* p) { return _mm256_broadcast_ss(p); }
-  static V fma(V a, V b, V c) { return _mm256_fmadd_ps(a, b, c); }
-  static void add_to(float* p, V v) { _mm256_storeu_ps(p, _mm256_add_ps(_mm256_loadu_ps(p), v)); }
-};
-
-template <class T>
 void cross_tiles(int64_t nb, int64_t ps, const T* d, const T* dw, T* cp) {
-  using L = TileLanes<T>;
+  using L = Lanes<T>;
   using V = typename L::V;
   constexpr int R = L::kRows, C = 8 / L::kWidth;
   for (int64_t a0 = 0; a0 < ps; a0 += R)
