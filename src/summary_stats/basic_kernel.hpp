@@ -8,9 +8,10 @@
 //   state is then merged into the running state (basic_state.hpp), which is
 //   the one-pass update applied a block at a time. The divisions by the
 //   accumulated weight are shared by all components of a block.
-// Accuracy: central sums by two passes within a block and pairwise merging:
-//   error grows with log(n) blocks, not with n; the fast method's derived
-//   central sums lose digits to cancellation when |mean| >> spread.
+// Accuracy: central sums by two passes within a block, then merged: relative
+//   error at worst about eps (block size + number of blocks), accumulated in
+//   the element type (float data in float); the fast method's derived central
+//   sums lose digits to cancellation when |mean| >> spread.
 // Special: leading zero weights of a fold into an empty state are skipped (the
 //   update factor 1/(W + w) is undefined there); an all-zero-weight block
 //   leaves the state unchanged. NaN and infinity propagate.
