@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <numeric>
 
 #include "summary_stats/basic_plan.hpp"
 #include "summary_stats/basic_state.hpp"
@@ -100,6 +101,40 @@ void power_sums(const T* v, const T* w, int64_t n, T c, T* out) {
   }
 }
 
+// Unweighted sums over `rows` whole observations of pc adjacent components
+// stored without gaps: out[q][k] += sum_i (x_ik - c_k)^(q+1) (c = 0 when
+// centre is null). The block is read as a flat array in periods of
+// L = lcm(pc, 8) elements, whose positions keep the same component from
+// period to period, so the loop runs in full vectors; the L partial sums are
+// folded into the pc components at the end. Returns the observations done (a
+// whole number of periods; 0 when L is longer than kMaxPeriod).
+inline constexpr int64_t kMaxPeriod = 256;
+
+template <int P, class T>
+int64_t flat_power_sums(const T* x, int64_t rows, int64_t pc, const T* centre, T* const* out) {
+  const int64_t period = std::lcm(pc, int64_t{8});
+  if (period > kMaxPeriod) return 0;
+  const int64_t per = period / pc;  // observations per period
+  const int64_t periods = rows / per;
+  T acc[P][kMaxPeriod] = {};
+  T c[kMaxPeriod];
+  for (int64_t e = 0; e < period; ++e) c[e] = centre ? centre[e % pc] : T(0);
+  for (int64_t t = 0; t < periods; ++t) {
+    const T* v = x + t * period;
+    for (int64_t e = 0; e < period; ++e) {
+      const T d = v[e] - c[e];
+      T pw = d;
+      for (int q = 0; q < P; ++q) {
+        acc[q][e] += pw;
+        pw *= d;
+      }
+    }
+  }
+  for (int q = 0; q < P; ++q)
+    for (int64_t e = 0; e < period; ++e) out[q][e % pc] += acc[q][e];
+  return periods * per;
+}
+
 // Block state of observations [i0, i0 + nb) by component rows.
 template <class T, Method M, bool Weighted, int R, int C, bool CP>
 void block_by_component(const KernelArgs<T>& a, int64_t i0, int64_t nb, Partial<T>& B) {
@@ -143,11 +178,18 @@ void block_by_observation(const KernelArgs<T>& a, int64_t i0, int64_t nb, Partia
     rows = g;
     ldr = ps;
   }
+  int64_t flat = 0;  // observations summed by the flat path
+  if constexpr (!Weighted) {
+    if (ldr == pc) {
+      T* raw_out[4] = {B.sum, B.raw[0], B.raw[1], B.raw[2]};
+      flat = flat_power_sums<R, T>(rows, nb, pc, nullptr, raw_out);
+    }
+  }
   T* __restrict s1 = B.sum;
   T* __restrict r2 = B.raw[0];
   T* __restrict r3 = B.raw[1];
   T* __restrict r4 = B.raw[2];
-  for (int64_t i = 0; i < nb; ++i) {
+  for (int64_t i = flat; i < nb; ++i) {
     const T* __restrict v = rows + i * ldr;
     const T wi = Weighted ? a.w[i0 + i] : T(1);
     for (int64_t k = 0; k < pc; ++k) {
@@ -161,13 +203,22 @@ void block_by_observation(const KernelArgs<T>& a, int64_t i0, int64_t nb, Partia
   T* __restrict m = B.mean;
   const T inv = T(1) / B.W;
   for (int64_t k = 0; k < pc; ++k) m[k] = M == Method::GivenMean ? a.given_mean[k] : s1[k] * inv;
+  if constexpr (C >= 2 && !CP) {
+    if (flat > 0) {
+      T order1[kMaxPeriod];  // sums of (x - c), not kept
+      T* central_out[4] = {order1, B.central[0], B.central[1], B.central[2]};
+      flat_power_sums<C, T>(rows, nb, pc, m, central_out);
+    }
+  } else {
+    flat = 0;
+  }
   if constexpr (C >= 2 || CP) {
     T* __restrict c2 = B.central[0];
     T* __restrict c3 = B.central[1];
     T* __restrict c4 = B.central[2];
     T* __restrict d = a.scratch;
     T* __restrict dw = a.scratch + a.block_size * ps;
-    for (int64_t i = 0; i < nb; ++i) {
+    for (int64_t i = flat; i < nb; ++i) {
       const T* __restrict v = rows + i * ldr;
       const T wi = Weighted ? a.w[i0 + i] : T(1);
       for (int64_t k = 0; k < pc; ++k) {
