@@ -115,6 +115,29 @@ TEST(SummaryStatsBasic, EveryMethodStorageWeightingAndMatrixForm) {
       }
 }
 
+// Many register tiles (p = 19: 24 padded columns, tiles straddling the
+// diagonal and the padding) in both precisions and storages.
+TEST(SummaryStatsBasic, CrossProductsOfManyComponents) {
+  const Data d(19, 700, 17, false);
+  for (int64_t storage : {0x10000, 0x20000})
+    for (bool weighted : {false, true}) {
+      const Reference ref(d, weighted);
+      Fixture<double> fd(d, storage, weighted, 2);
+      Fixture<float> fs(d, storage, weighted, 0);
+      ASSERT_EQ(fd.run(0x1 | 0x1000 | 0x2000 | 0x100000000ull, 0x2), 0);
+      ASSERT_EQ(fs.run(0x1 | 0x1000 | 0x100000000ull, 0x1), 0);
+      for (int64_t a = 0; a < d.p; ++a)
+        for (int64_t b = 0; b < d.p; ++b) {
+          const long double c = ref.cp[a * d.p + b];
+          const long double scale = sqrtl(ref.cp[a * d.p + a] * ref.cp[b * d.p + b]);
+          near(fd.cp[packed_position(2, d.p, a, b)], c, scale, 1e-13, "cp", a * d.p + b);
+          near(fd.cor[packed_position(2, d.p, a, b)], c / scale, 1, 1e-13, "cor", a * d.p + b);
+          near(fs.cov[a * d.p + b], c * ref.factor(), scale * ref.factor(), 2e-5, "cov float",
+               a * d.p + b);
+        }
+    }
+}
+
 // Runs `pieces` consecutive calls over consecutive slices of d.
 template <class T>
 void run_in_pieces(Fixture<T>& f, const Data& d, int pieces, uint64_t estimates, int64_t method) {
