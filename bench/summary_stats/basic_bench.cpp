@@ -82,8 +82,7 @@ void BM_oxa_mean_var(benchmark::State& state) {
   run_basic(state, 10, state.range(0), kMeanVariance, state.range(1), 1);
 }
 void BM_oxa_cov_p100(benchmark::State& state) {
-  run_basic(state, 100, 0x20000, OXA_SS_EST_MEAN | OXA_SS_EST_COVARIANCE, 0x2,
-            int(state.range(0)));
+  run_basic(state, 100, 0x20000, OXA_SS_EST_MEAN | OXA_SS_EST_COVARIANCE, 0x2, int(state.range(0)));
 }
 
 #ifdef OXA_BENCH_HAVE_EIGEN
@@ -160,7 +159,10 @@ void BM_oxa_mean_var_one(benchmark::State& state) {
 BENCHMARK(BM_stream_sum)->Unit(benchmark::kMillisecond);
 // (storage, method)
 BENCHMARK(BM_oxa_mean_var)
-    ->Args({0x10000, 0x1})->Args({0x20000, 0x1})->Args({0x10000, 0x2})->Args({0x20000, 0x2})
+    ->Args({0x10000, 0x1})
+    ->Args({0x20000, 0x1})
+    ->Args({0x10000, 0x2})
+    ->Args({0x20000, 0x2})
     ->Unit(benchmark::kMillisecond);
 #ifdef OXA_BENCH_HAVE_EIGEN
 BENCHMARK(BM_eigen_mean_var)->Arg(0x10000)->Arg(0x20000)->Unit(benchmark::kMillisecond);

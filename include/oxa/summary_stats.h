@@ -47,10 +47,10 @@ enum { OXA_SS_MATRIX_FULL = 0, OXA_SS_MATRIX_PACKED_UPPER = 0x1, OXA_SS_MATRIX_P
 /* Method word of the basic estimator: exactly one base method, or none with a
  * conversion flag. */
 enum {
-  OXA_SS_METHOD_FAST = 0x1,        /* raw sums first, central quantities derived */
-  OXA_SS_METHOD_ONE_PASS = 0x2,    /* updating (merging) accumulation */
-  OXA_SS_METHOD_GIVEN_MEAN = 0x100,/* central sums about the mean field's values */
-  OXA_SS_METHOD_CONVERT = 0x200,   /* derive results from accumulated sums */
+  OXA_SS_METHOD_FAST = 0x1,         /* raw sums first, central quantities derived */
+  OXA_SS_METHOD_ONE_PASS = 0x2,     /* updating (merging) accumulation */
+  OXA_SS_METHOD_GIVEN_MEAN = 0x100, /* central sums about the mean field's values */
+  OXA_SS_METHOD_CONVERT = 0x200,    /* derive results from accumulated sums */
   OXA_SS_METHOD_CONVERT_ALT = 0x400
 };
 
@@ -80,13 +80,13 @@ static const uint64_t OXA_SS_EST_CROSS_PRODUCT = 0x100000000;
 
 /* Parameter ids of the generic editors (R: real array, I: integer). */
 enum {
-  OXA_SS_ID_DIMENSION = 1,          /* I */
-  OXA_SS_ID_N_OBSERVATIONS = 2,     /* I */
-  OXA_SS_ID_OBSERVATIONS = 3,       /* R */
-  OXA_SS_ID_X_STORAGE = 4,          /* I */
-  OXA_SS_ID_COMPONENT_INDICES = 5,  /* I: p flags, non-zero selects a component */
-  OXA_SS_ID_WEIGHTS = 6,            /* R */
-  OXA_SS_ID_MEAN = 7,               /* R; 8..10 raw moments 2..4, 11..13 central 2..4 */
+  OXA_SS_ID_DIMENSION = 1,         /* I */
+  OXA_SS_ID_N_OBSERVATIONS = 2,    /* I */
+  OXA_SS_ID_OBSERVATIONS = 3,      /* R */
+  OXA_SS_ID_X_STORAGE = 4,         /* I */
+  OXA_SS_ID_COMPONENT_INDICES = 5, /* I: p flags, non-zero selects a component */
+  OXA_SS_ID_WEIGHTS = 6,           /* R */
+  OXA_SS_ID_MEAN = 7,              /* R; 8..10 raw moments 2..4, 11..13 central 2..4 */
   OXA_SS_ID_KURTOSIS = 14,
   OXA_SS_ID_SKEWNESS = 15,
   OXA_SS_ID_MIN = 16,
@@ -97,7 +97,7 @@ enum {
   OXA_SS_ID_CORRELATION = 21,
   OXA_SS_ID_CORRELATION_STORAGE = 22, /* I */
   OXA_SS_ID_ACCUMULATED_WEIGHTS = 23, /* R: {sum of weights, sum of squared weights} */
-  OXA_SS_ID_SUM = 67,               /* R; 68..70 raw sums 2..4, 71..73 central sums 2..4 */
+  OXA_SS_ID_SUM = 67,                 /* R; 68..70 raw sums 2..4, 71..73 central sums 2..4 */
   OXA_SS_ID_CROSS_PRODUCT = 74,
   OXA_SS_ID_CROSS_PRODUCT_STORAGE = 75 /* I */
 };
@@ -164,16 +164,13 @@ oxa_status _vsldSSEditStreamQuantiles(SSTask* task, const void* n_orders, const 
                                       double* quantiles, const void* n_params,
                                       const double* params);
 oxa_status _vslsSSEditStreamQuantiles(SSTask* task, const void* n_orders, const float* orders,
-                                      float* quantiles, const void* n_params,
-                                      const float* params);
-oxa_status _vsldSSEditPooledCovariance(SSTask* task, const void* group_indices,
-                                       double* pooled_mean, double* pooled_covariance,
-                                       const void* requested_groups, double* group_means,
-                                       double* group_covariances);
-oxa_status _vslsSSEditPooledCovariance(SSTask* task, const void* group_indices,
-                                       float* pooled_mean, float* pooled_covariance,
-                                       const void* requested_groups, float* group_means,
-                                       float* group_covariances);
+                                      float* quantiles, const void* n_params, const float* params);
+oxa_status _vsldSSEditPooledCovariance(SSTask* task, const void* group_indices, double* pooled_mean,
+                                       double* pooled_covariance, const void* requested_groups,
+                                       double* group_means, double* group_covariances);
+oxa_status _vslsSSEditPooledCovariance(SSTask* task, const void* group_indices, float* pooled_mean,
+                                       float* pooled_covariance, const void* requested_groups,
+                                       float* group_means, float* group_covariances);
 oxa_status _vsldSSEditRCov(SSTask* task, const void* storage, const void* n_params,
                            const double* params, double* robust_mean, double* robust_covariance);
 oxa_status _vslsSSEditRCov(SSTask* task, const void* storage, const void* n_params,
@@ -187,16 +184,14 @@ oxa_status _vsldSSEditMissingVals(SSTask* task, const void* n1, const double* a1
                                   const void* n4, const double* a4, const void* n5,
                                   const double* a5);
 oxa_status _vslsSSEditMissingVals(SSTask* task, const void* n1, const float* a1, const void* n2,
-                                  const float* a2, const void* n3, const float* a3,
-                                  const void* n4, const float* a4, const void* n5,
-                                  const float* a5);
+                                  const float* a2, const void* n3, const float* a3, const void* n4,
+                                  const float* a4, const void* n5, const float* a5);
 oxa_status _vsldSSEditMtxParametrz(SSTask* task, double* correlation,
                                    const void* correlation_storage,
                                    double* parametrized_correlation,
                                    const void* parametrized_storage);
 oxa_status _vslsSSEditMtxParametrz(SSTask* task, float* correlation,
-                                   const void* correlation_storage,
-                                   float* parametrized_correlation,
+                                   const void* correlation_storage, float* parametrized_correlation,
                                    const void* parametrized_storage);
 
 /* Releases the task (its owned buffer, then its clean-up routines in order)

@@ -15,7 +15,9 @@ namespace {
 
 constexpr size_t kAlign = 128;
 
-size_t round_up(size_t bytes) { return (bytes + kAlign - 1) & ~(kAlign - 1); }
+size_t round_up(size_t bytes) {
+  return (bytes + kAlign - 1) & ~(kAlign - 1);
+}
 
 // The estimator's work memory lives in the task's owned buffer, kept between
 // calls and grown when a call needs more; deletion releases it.
@@ -31,11 +33,11 @@ void* task_work(SSTask& task, size_t bytes) {
 
 // The number of threads: min(work / 8192, thread limit, n / 16), at least 1,
 // with work = n p, or n p p when cross-products are accumulated.
-int32_t thread_count(int64_t n, int64_t pc, bool cross_products) {
+int32_t thread_count(int64_t n, int64_t p, bool cross_products) {
   const auto limit_fn = reinterpret_cast<oxa_num_threads_limit_fn>(
       oxa_serv_load_thread_fun("oxa_vsl_serv_threader_get_num_threads_limit"));
   const int64_t limit = limit_fn != nullptr ? limit_fn() : 1;
-  const double work = double(n) * double(pc) * (cross_products ? double(pc) : 1.0);
+  const double work = double(n) * double(p) * (cross_products ? double(p) : 1.0);
   const int64_t by_work = work >= 0x1p62 ? INT64_MAX : static_cast<int64_t>(work) >> 13;
   const int64_t t = std::min({by_work, limit, n >> 4});
   return static_cast<int32_t>(std::max<int64_t>(t, 1));
@@ -44,13 +46,13 @@ int32_t thread_count(int64_t n, int64_t pc, bool cross_products) {
 template <class T>
 struct Run {
   BasicKernel<T> kernel;
-  KernelArgs<T> base;      // shared fields; per-block fields filled by the threader
+  KernelArgs<T> base;  // shared fields; per-block fields filled by the threader
   int64_t n;
   int32_t nthreads;
-  Partial<T>* partials;    // one per block
-  Partial<T>* blocks;      // block-state scratch, one per block
-  T** scratch;             // one per block
-  int32_t* status;         // one per block
+  Partial<T>* partials;  // one per block
+  Partial<T>* blocks;    // block-state scratch, one per block
+  T** scratch;           // one per block
+  int32_t* status;       // one per block
 };
 
 // Per-block body of the parallel run: block `index` folds its share of the
@@ -81,20 +83,22 @@ struct CallLayout {
 };
 
 template <class T>
-CallLayout<T> layout(int64_t p, int64_t pc, bool cp, int32_t nthreads, bool by_observation) {
+CallLayout<T> layout(int64_t p, int64_t pc, int64_t n, bool cp, int32_t nthreads,
+                     bool by_observation) {
   CallLayout<T> L{};
   L.ps = (pc + 7) & ~int64_t{7};
   if (cp)
     L.block_size = std::clamp<int64_t>(32768 / L.ps, 16, 512);
   else
     L.block_size = by_observation ? std::clamp<int64_t>(16384 / L.ps, 16, 2048) : 2048;
+  // No block longer than a thread's share (keeps scratch small for short calls).
+  L.block_size = std::min(L.block_size, std::max<int64_t>(n / nthreads + 1, 16));
   L.scratch_elements = 3 * L.block_size * L.ps;
   L.state_elements = Partial<T>::elements(L.ps, cp);
   L.comp_bytes = round_up(sizeof(int64_t) * p);
   L.state_bytes = round_up(sizeof(T) * L.state_elements);
   L.scratch_bytes = round_up(sizeof(T) * L.scratch_elements);
-  L.header_bytes =
-      round_up(nthreads * (2 * sizeof(Partial<T>) + sizeof(T*) + sizeof(int32_t)));
+  L.header_bytes = round_up(nthreads * (2 * sizeof(Partial<T>) + sizeof(T*) + sizeof(int32_t)));
   // Components, the caller's state, the per-block records, then per block:
   // partial, block state, scratch.
   L.total = L.comp_bytes + L.state_bytes + L.header_bytes +
@@ -139,8 +143,8 @@ void load_state(const SSTask& t, uint32_t req, Method method, int64_t n, const i
     unpack_to_cp(field(t.cross_product), pc, ps, comp, p,
                  read_int_or(t, t.cross_product_storage, 0), T(1), A.cp);
   else if (req & bit(kCovariance))
-    unpack_to_cp(field(t.covariance), pc, ps, comp, p,
-                 read_int_or(t, t.covariance_storage, 0), T(1) / factor, A.cp);
+    unpack_to_cp(field(t.covariance), pc, ps, comp, p, read_int_or(t, t.covariance_storage, 0),
+                 T(1) / factor, A.cp);
   else
     cp_history = false;  // a correlation alone cannot be continued
 }
@@ -191,9 +195,8 @@ int32_t store_results(SSTask& t, uint32_t req, Method method, const int64_t* com
     _vSSFullCP2PackCov(A.cp, pc, ps, comp, p, read_int_or(t, t.covariance_storage, 0), factor,
                        field(t.covariance));
   if (req & bit(kCorrelation)) {
-    const int32_t s = _vSSFullCP2PackCor(A.cp, pc, ps, comp, p,
-                                         read_int_or(t, t.correlation_storage, 0),
-                                         field(t.correlation));
+    const int32_t s = _vSSFullCP2PackCor(
+        A.cp, pc, ps, comp, p, read_int_or(t, t.correlation_storage, 0), field(t.correlation));
     if (s != 0) return s;
   }
   if (base && t.accumulated_weights != nullptr) {
@@ -233,14 +236,14 @@ oxa_status validate(const SSTask* task, uint64_t estimates, int64_t method_word,
 // Prepares the accumulators: the work memory, the component list, the caller's
 // state and one empty partial state per block. Null when memory is short.
 template <class T>
-bool _vSSInitBasic(SSTask& t, int64_t p, bool cp, int32_t nthreads, bool by_observation,
+bool _vSSInitBasic(SSTask& t, int64_t p, int64_t n, bool cp, int32_t nthreads, bool by_observation,
                    int64_t*& comp, int64_t& pc, CallLayout<T>& L, Partial<T>& A, Run<T>& run) {
   // Components: all, or those whose index flag is non-zero.
   pc = 0;
   for (int64_t j = 0; j < p; ++j)
     if (t.component_indices == nullptr || read_int_at(t, t.component_indices, j) != 0) ++pc;
   if (pc == 0) return true;
-  L = layout<T>(p, pc, cp, nthreads, by_observation);
+  L = layout<T>(p, pc, n, cp, nthreads, by_observation);
   if (L.ps > (int64_t{1} << 24)) return false;  // p^2 accumulators beyond memory
   auto* base = static_cast<char*>(task_work(t, L.total));
   if (base == nullptr) return false;
@@ -290,7 +293,7 @@ oxa_status basic(SSTask* task, uint64_t estimates, int64_t method_word) {
   Partial<T> A{};
   Run<T> run{};
   const int32_t nthreads = base ? thread_count(n, p, plan.cross_products) : 1;
-  if (!_vSSInitBasic(t, p, plan.cross_products, nthreads, by_observation, comp, pc, L, A, run))
+  if (!_vSSInitBasic(t, p, n, plan.cross_products, nthreads, by_observation, comp, pc, L, A, run))
     return VSL_SS_ERROR_MEM_FAILURE;
   if (pc == 0) return VSL_STATUS_OK;
 
@@ -300,10 +303,20 @@ oxa_status basic(SSTask* task, uint64_t estimates, int64_t method_word) {
     run.kernel = choose_kernel<T>(plan, by_observation, weighted);
     bool contiguous = true;
     for (int64_t k = 1; k < pc; ++k) contiguous = contiguous && comp[k] == comp[0] + k;
-    run.base = KernelArgs<T>{0, 0, pc, L.ps, comp, contiguous, by_observation ? p : n,
+    run.base = KernelArgs<T>{0,
+                             0,
+                             pc,
+                             L.ps,
+                             comp,
+                             contiguous,
+                             by_observation ? p : n,
                              static_cast<const T*>(t.observations),
-                             static_cast<const T*>(t.weights), A.mean, nullptr, nullptr,
-                             nullptr, L.block_size};
+                             static_cast<const T*>(t.weights),
+                             A.mean,
+                             nullptr,
+                             nullptr,
+                             nullptr,
+                             L.block_size};
     run.n = n;
     run.nthreads = nthreads;
     const auto parallel_for = reinterpret_cast<oxa_parallel_for_fn>(

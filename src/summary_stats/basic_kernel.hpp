@@ -31,18 +31,18 @@ namespace oxa::ss {
 
 template <class T>
 struct KernelArgs {
-  int64_t first, end;     // observations to fold
-  int64_t pc, ps;         // selected components and the state stride
-  const int64_t* comp;    // indices of the selected components
-  bool contiguous;        // comp[k] == comp[0] + k
-  int64_t ld;             // n for storage by component, p by observation
-  const T* x;             // observation matrix
-  const T* w;             // weights (weighted members)
-  const T* given_mean;    // dense centre of the given-mean method
-  Partial<T>* state;      // running state, updated in place
-  Partial<T>* block;      // block state scratch
-  T* scratch;             // 3 * block_size * ps values, zero on first use
-  int64_t block_size;     // observations per block
+  int64_t first, end;   // observations to fold
+  int64_t pc, ps;       // selected components and the state stride
+  const int64_t* comp;  // indices of the selected components
+  bool contiguous;      // comp[k] == comp[0] + k
+  int64_t ld;           // n for storage by component, p by observation
+  const T* x;           // observation matrix
+  const T* w;           // weights (weighted members)
+  const T* given_mean;  // dense centre of the given-mean method
+  Partial<T>* state;    // running state, updated in place
+  Partial<T>* block;    // block state scratch
+  T* scratch;           // 3 * block_size * ps values, zero on first use
+  int64_t block_size;   // observations per block
 };
 
 template <class T>
@@ -50,14 +50,20 @@ using BasicKernel = int (*)(const KernelArgs<T>&);
 
 // Raw and central orders that a kernel of (method, level) keeps.
 constexpr int kernel_raw_order(Method m, int level) {
-  return m == Method::OnePass ? (level == 3 ? 4 : level == 2 ? 2 : 1)
+  return m == Method::OnePass ? (level == 3   ? 4
+                                 : level == 2 ? 2
+                                              : 1)
          : m == Method::Fast  ? level + 1
                               : (level == 3 ? 4 : 1);
 }
 constexpr int kernel_central_order(Method m, int level) {
-  return m == Method::OnePass ? (level == 3 ? 4 : level >= 1 ? 2 : 0)
+  return m == Method::OnePass ? (level == 3   ? 4
+                                 : level >= 1 ? 2
+                                              : 0)
          : m == Method::Fast  ? 0
-                              : (level == 0 ? 2 : level == 1 ? 3 : 4);
+                              : (level == 0   ? 2
+                                 : level == 1 ? 3
+                                              : 4);
 }
 
 namespace detail {
@@ -195,9 +201,18 @@ void block_by_observation(const KernelArgs<T>& a, int64_t i0, int64_t nb, Partia
     for (int64_t k = 0; k < pc; ++k) {
       T pw = Weighted ? wi * v[k] : v[k];
       s1[k] += pw;
-      if constexpr (R >= 2) { pw *= v[k]; r2[k] += pw; }
-      if constexpr (R >= 3) { pw *= v[k]; r3[k] += pw; }
-      if constexpr (R >= 4) { pw *= v[k]; r4[k] += pw; }
+      if constexpr (R >= 2) {
+        pw *= v[k];
+        r2[k] += pw;
+      }
+      if constexpr (R >= 3) {
+        pw *= v[k];
+        r3[k] += pw;
+      }
+      if constexpr (R >= 4) {
+        pw *= v[k];
+        r4[k] += pw;
+      }
     }
   }
   T* __restrict m = B.mean;

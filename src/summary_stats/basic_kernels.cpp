@@ -12,8 +12,8 @@ template <class T, size_t... I>
 constexpr auto one_pass_row(std::index_sequence<I...>) {
   // index = weighted * 8 + by_observation * 16 + level * 2 + cp
   return std::array<BasicKernel<T>, sizeof...(I)>{
-      &basic_kernel<T, Method::OnePass, ((I >> 4) & 1) != 0, ((I >> 3) & 1) != 0,
-                    int((I >> 1) & 3), (I & 1) != 0>...};
+      &basic_kernel<T, Method::OnePass, ((I >> 4) & 1) != 0, ((I >> 3) & 1) != 0, int((I >> 1) & 3),
+                    (I & 1) != 0>...};
 }
 
 template <class T, Method M, bool CP, size_t... I>
@@ -47,9 +47,13 @@ const BasicKernelTables<float> kTablesS = make_tables<float>();
 }  // namespace
 
 template <>
-const BasicKernelTables<double>& basic_kernel_tables<double>() { return kTablesD; }
+const BasicKernelTables<double>& basic_kernel_tables<double>() {
+  return kTablesD;
+}
 template <>
-const BasicKernelTables<float>& basic_kernel_tables<float>() { return kTablesS; }
+const BasicKernelTables<float>& basic_kernel_tables<float>() {
+  return kTablesS;
+}
 
 const char* const kBasicKernelNames[64] = {
     "_vSSBasic1pR_R1___C____", "_vSSBasic1pR_R1___C___C", "_vSSBasic1pR_R1___C2___",
@@ -63,16 +67,16 @@ const char* const kBasicKernelNames[64] = {
     "_vSSBasic1pCWR1___C____", "_vSSBasic1pCWR1___C___C", "_vSSBasic1pCWR1___C2___",
     "_vSSBasic1pCWR1___C2__C", "_vSSBasic1pCWR12__C2___", "_vSSBasic1pCWR12__C2__C",
     "_vSSBasic1pCWR1234C234_", "_vSSBasic1pCWR1234C234C", "_vSSBasicFastR_R1___",
-    "_vSSBasicFastR_R12__", "_vSSBasicFastR_R123_", "_vSSBasicFastR_R1234",
-    "_vSSBasicFastRWR1___", "_vSSBasicFastRWR12__", "_vSSBasicFastRWR123_",
-    "_vSSBasicFastRWR1234", "_vSSBasicFastC_R1___", "_vSSBasicFastC_R12__",
-    "_vSSBasicFastC_R123_", "_vSSBasicFastC_R1234", "_vSSBasicFastCWR1___",
-    "_vSSBasicFastCWR12__", "_vSSBasicFastCWR123_", "_vSSBasicFastCWR1234",
-    "_vSSBasic2pR_R____C2__", "_vSSBasic2pR_R____C23_", "_vSSBasic2pR_R____C234",
-    "_vSSBasic2pR_R_234C234", "_vSSBasic2pRWR____C2__", "_vSSBasic2pRWR____C23_",
-    "_vSSBasic2pRWR____C234", "_vSSBasic2pRWR_234C234", "_vSSBasic2pC_R____C2__",
-    "_vSSBasic2pC_R____C23_", "_vSSBasic2pC_R____C234", "_vSSBasic2pC_R_234C234",
-    "_vSSBasic2pCWR____C2__", "_vSSBasic2pCWR____C23_", "_vSSBasic2pCWR____C234",
+    "_vSSBasicFastR_R12__",    "_vSSBasicFastR_R123_",    "_vSSBasicFastR_R1234",
+    "_vSSBasicFastRWR1___",    "_vSSBasicFastRWR12__",    "_vSSBasicFastRWR123_",
+    "_vSSBasicFastRWR1234",    "_vSSBasicFastC_R1___",    "_vSSBasicFastC_R12__",
+    "_vSSBasicFastC_R123_",    "_vSSBasicFastC_R1234",    "_vSSBasicFastCWR1___",
+    "_vSSBasicFastCWR12__",    "_vSSBasicFastCWR123_",    "_vSSBasicFastCWR1234",
+    "_vSSBasic2pR_R____C2__",  "_vSSBasic2pR_R____C23_",  "_vSSBasic2pR_R____C234",
+    "_vSSBasic2pR_R_234C234",  "_vSSBasic2pRWR____C2__",  "_vSSBasic2pRWR____C23_",
+    "_vSSBasic2pRWR____C234",  "_vSSBasic2pRWR_234C234",  "_vSSBasic2pC_R____C2__",
+    "_vSSBasic2pC_R____C23_",  "_vSSBasic2pC_R____C234",  "_vSSBasic2pC_R_234C234",
+    "_vSSBasic2pCWR____C2__",  "_vSSBasic2pCWR____C23_",  "_vSSBasic2pCWR____C234",
     "_vSSBasic2pCWR_234C234"};
 
 }  // namespace oxa::ss

@@ -75,17 +75,17 @@ template void _vSSFullCP2PackCP<double>(const double*, int64_t, int64_t, const i
                                         int64_t, double*);
 template void _vSSFullCP2PackCP<float>(const float*, int64_t, int64_t, const int64_t*, int64_t,
                                        int64_t, float*);
-template void _vSSFullCP2PackCov<double>(const double*, int64_t, int64_t, const int64_t*,
-                                         int64_t, int64_t, double, double*);
+template void _vSSFullCP2PackCov<double>(const double*, int64_t, int64_t, const int64_t*, int64_t,
+                                         int64_t, double, double*);
 template void _vSSFullCP2PackCov<float>(const float*, int64_t, int64_t, const int64_t*, int64_t,
                                         int64_t, float, float*);
 template int32_t _vSSFullCP2PackCor<double>(const double*, int64_t, int64_t, const int64_t*,
                                             int64_t, int64_t, double*);
-template int32_t _vSSFullCP2PackCor<float>(const float*, int64_t, int64_t, const int64_t*,
-                                           int64_t, int64_t, float*);
+template int32_t _vSSFullCP2PackCor<float>(const float*, int64_t, int64_t, const int64_t*, int64_t,
+                                           int64_t, float*);
 template void unpack_to_cp<double>(const double*, int64_t, int64_t, const int64_t*, int64_t,
                                    int64_t, double, double*);
-template void unpack_to_cp<float>(const float*, int64_t, int64_t, const int64_t*, int64_t,
-                                  int64_t, float, float*);
+template void unpack_to_cp<float>(const float*, int64_t, int64_t, const int64_t*, int64_t, int64_t,
+                                  float, float*);
 
 }  // namespace oxa::ss

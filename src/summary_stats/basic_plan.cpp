@@ -7,6 +7,7 @@
 namespace oxa::ss {
 namespace {
 
+// clang-format off
 // Internal bit i needs the bits of entry i (itself included).
 constexpr uint32_t kNeedsOnePass[20] = {
     0x1, 0x2, 0x4, 0x8, 0x13, 0x27, 0x4f, 0x81, 0x101, 0x25f,
@@ -33,6 +34,7 @@ constexpr struct { uint64_t external; Bit internal; } kMap[20] = {
     {0x4000000, kRawSum2}, {0x8000000, kRawSum3}, {0x10000000, kRawSum4},
     {0x20000000, kCentralSum2}, {0x40000000, kCentralSum3}, {0x80000000, kCentralSum4},
     {0x100000000, kCrossProduct}};
+// clang-format on
 
 // Highest order k in 2..4 whose bit (base + k - 2) is set, else `none`.
 int highest_order(uint32_t mask, Bit base, int none) {
@@ -75,11 +77,26 @@ uint32_t required_mask(uint32_t requested, Method method) {
 }
 
 uint32_t present_mask(const SSTask& t) {
-  const void* fields[20] = {
-      t.mean, t.raw_moment[0], t.raw_moment[1], t.raw_moment[2], t.central_moment[0],
-      t.central_moment[1], t.central_moment[2], t.covariance, t.correlation, t.kurtosis,
-      t.skewness, t.variation, t.sum, t.raw_sum[0], t.raw_sum[1], t.raw_sum[2],
-      t.central_sum[0], t.central_sum[1], t.central_sum[2], t.cross_product};
+  const void* fields[20] = {t.mean,
+                            t.raw_moment[0],
+                            t.raw_moment[1],
+                            t.raw_moment[2],
+                            t.central_moment[0],
+                            t.central_moment[1],
+                            t.central_moment[2],
+                            t.covariance,
+                            t.correlation,
+                            t.kurtosis,
+                            t.skewness,
+                            t.variation,
+                            t.sum,
+                            t.raw_sum[0],
+                            t.raw_sum[1],
+                            t.raw_sum[2],
+                            t.central_sum[0],
+                            t.central_sum[1],
+                            t.central_sum[2],
+                            t.cross_product};
   uint32_t mask = 0;
   for (int b = 0; b < 20; ++b)
     if (fields[b] != nullptr) mask |= uint32_t{1} << b;

@@ -10,12 +10,31 @@ namespace oxa::ss {
 
 // Internal estimate bits, in the order the missing-field codes follow.
 enum Bit : uint32_t {
-  kMean = 0, kRaw2 = 1, kRaw3 = 2, kRaw4 = 3, kCentral2 = 4, kCentral3 = 5, kCentral4 = 6,
-  kCovariance = 7, kCorrelation = 8, kKurtosis = 9, kSkewness = 10, kVariation = 11,
-  kSum = 12, kRawSum2 = 13, kRawSum3 = 14, kRawSum4 = 15, kCentralSum2 = 16,
-  kCentralSum3 = 17, kCentralSum4 = 18, kCrossProduct = 19, kNotComputable = 20,
+  kMean = 0,
+  kRaw2 = 1,
+  kRaw3 = 2,
+  kRaw4 = 3,
+  kCentral2 = 4,
+  kCentral3 = 5,
+  kCentral4 = 6,
+  kCovariance = 7,
+  kCorrelation = 8,
+  kKurtosis = 9,
+  kSkewness = 10,
+  kVariation = 11,
+  kSum = 12,
+  kRawSum2 = 13,
+  kRawSum3 = 14,
+  kRawSum4 = 15,
+  kCentralSum2 = 16,
+  kCentralSum3 = 17,
+  kCentralSum4 = 18,
+  kCrossProduct = 19,
+  kNotComputable = 20,
 };
-constexpr uint32_t bit(Bit b) { return uint32_t{1} << b; }
+constexpr uint32_t bit(Bit b) {
+  return uint32_t{1} << b;
+}
 
 enum class Method : uint8_t { OnePass, Fast, GivenMean, Convert };
 
@@ -38,7 +57,7 @@ int32_t missing_field_code(uint32_t required, uint32_t present);
 // What the block kernels must accumulate for a required mask.
 struct Plan {
   Method method;
-  int level;          // kernel level 0..3 within the method's table
+  int level;  // kernel level 0..3 within the method's table
   bool cross_products;
   int raw_order;      // highest raw power sum kept (1 = only the sum)
   int central_order;  // highest central sum kept (0 = none)

@@ -12,10 +12,10 @@ namespace oxa::ss {
 // up to date; cp holds its upper triangle (a <= b) with row stride ps.
 template <class T>
 struct Partial {
-  T W = 0;   // sum of weights
-  T W2 = 0;  // sum of squared weights
-  T* sum;    // sum of w x
-  T* mean;   // weighted mean (the given mean in the given-mean method)
+  T W = 0;        // sum of weights
+  T W2 = 0;       // sum of squared weights
+  T* sum;         // sum of w x
+  T* mean;        // weighted mean (the given mean in the given-mean method)
   T* raw[3];      // sums of w x^k, k = 2, 3, 4
   T* central[3];  // sums of w (x - mean)^k, k = 2, 3, 4
   T* cp;          // sums of w (x_a - mean_a)(x_b - mean_b)
@@ -68,7 +68,8 @@ void merge(Partial<T>& A, const Partial<T>& B, const Parts& parts) {
     A.W2 = B.W2;
     std::memcpy(A.sum, B.sum, sizeof(T) * pc);
     std::memcpy(A.mean, B.mean, sizeof(T) * pc);
-    for (int k = 2; k <= parts.raw_order; ++k) std::memcpy(A.raw[k - 2], B.raw[k - 2], sizeof(T) * pc);
+    for (int k = 2; k <= parts.raw_order; ++k)
+      std::memcpy(A.raw[k - 2], B.raw[k - 2], sizeof(T) * pc);
     for (int k = 2; k <= parts.central_order; ++k)
       std::memcpy(A.central[k - 2], B.central[k - 2], sizeof(T) * pc);
     if (parts.cp)

@@ -61,8 +61,7 @@ template <class T>
 oxa_status missing(SSTask* t, const void* n1, const T* a1, const void* n2, const T* a2,
                    const void* n3, const T* a3, const void* n4, const T* a4, const void* n5,
                    const T* a5) {
-  return group(t, {50, 51, 52, 53, 58, 59, 54, 55, 56, 57}, n1, a1, n2, a2, n3, a3, n4, a4, n5,
-               a5);
+  return group(t, {50, 51, 52, 53, 58, 59, 54, 55, 56, 57}, n1, a1, n2, a2, n3, a3, n4, a4, n5, a5);
 }
 template <class T>
 oxa_status parametrization(SSTask* t, T* cor, const void* cor_st, T* pc, const void* pc_st) {
@@ -73,8 +72,8 @@ oxa_status parametrization(SSTask* t, T* cor, const void* cor_st, T* pc, const v
 
 extern "C" {
 
-oxa_status _vsldSSEditMoments(SSTask* t, double* m, double* r2, double* r3, double* r4,
-                              double* c2, double* c3, double* c4) {
+oxa_status _vsldSSEditMoments(SSTask* t, double* m, double* r2, double* r3, double* r4, double* c2,
+                              double* c3, double* c4) {
   return moments(t, m, r2, r3, r4, c2, c3, c4);
 }
 oxa_status _vslsSSEditMoments(SSTask* t, float* m, float* r2, float* r3, float* r4, float* c2,
@@ -113,8 +112,8 @@ oxa_status _vslsSSEditPartialCovCor(SSTask* t, const void* idx, float* cov, cons
                                     const void* pcov_st, float* pcor, const void* pcor_st) {
   return partial_cov_cor(t, idx, cov, cov_st, cor, cor_st, pcov, pcov_st, pcor, pcor_st);
 }
-oxa_status _vsldSSEditQuantiles(SSTask* t, const void* no, const double* o, double* q,
-                                double* os, const void* os_st) {
+oxa_status _vsldSSEditQuantiles(SSTask* t, const void* no, const double* o, double* q, double* os,
+                                const void* os_st) {
   return quantiles(t, no, o, q, os, os_st);
 }
 oxa_status _vslsSSEditQuantiles(SSTask* t, const void* no, const float* o, float* q, float* os,
@@ -137,8 +136,8 @@ oxa_status _vslsSSEditPooledCovariance(SSTask* t, const void* gi, float* pm, flo
                                        const void* rg, float* gm, float* gc) {
   return pooled(t, gi, pm, pc, rg, gm, gc);
 }
-oxa_status _vsldSSEditRCov(SSTask* t, const void* st, const void* np, const double* prm,
-                           double* rm, double* rc) {
+oxa_status _vsldSSEditRCov(SSTask* t, const void* st, const void* np, const double* prm, double* rm,
+                           double* rc) {
   return robust(t, st, np, prm, rm, rc);
 }
 oxa_status _vslsSSEditRCov(SSTask* t, const void* st, const void* np, const float* prm, float* rm,
@@ -158,9 +157,8 @@ oxa_status _vsldSSEditMissingVals(SSTask* t, const void* n1, const double* a1, c
   return missing(t, n1, a1, n2, a2, n3, a3, n4, a4, n5, a5);
 }
 oxa_status _vslsSSEditMissingVals(SSTask* t, const void* n1, const float* a1, const void* n2,
-                                  const float* a2, const void* n3, const float* a3,
-                                  const void* n4, const float* a4, const void* n5,
-                                  const float* a5) {
+                                  const float* a2, const void* n3, const float* a3, const void* n4,
+                                  const float* a4, const void* n5, const float* a5) {
   return missing(t, n1, a1, n2, a2, n3, a3, n4, a4, n5, a5);
 }
 oxa_status _vsldSSEditMtxParametrz(SSTask* t, double* cor, const void* cor_st, double* pc,

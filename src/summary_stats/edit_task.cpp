@@ -1,9 +1,9 @@
 // The generic editors: one table maps a parameter id to the task field it sets,
 // whether that field holds reals or integers, and the status for a null address.
+#include "summary_stats/edit_task.hpp"
+
 #include <array>
 #include <cstddef>
-
-#include "summary_stats/edit_task.hpp"
 
 namespace oxa::ss {
 namespace {
@@ -14,8 +14,12 @@ struct IdRow {
   size_t offset;      // offsetof(SSTask, field)
 };
 
-constexpr IdRow real(int32_t code, size_t offset) { return {FieldKind::Real, code, offset}; }
-constexpr IdRow integer(int32_t code, size_t offset) { return {FieldKind::Integer, code, offset}; }
+constexpr IdRow real(int32_t code, size_t offset) {
+  return {FieldKind::Real, code, offset};
+}
+constexpr IdRow integer(int32_t code, size_t offset) {
+  return {FieldKind::Integer, code, offset};
+}
 
 constexpr std::array<IdRow, kMaxParameterId + 1> build_table() {
   std::array<IdRow, kMaxParameterId + 1> t{};

@@ -1,8 +1,9 @@
 // Task creation and deletion.
+#include "summary_stats/task.hpp"
+
 #include <cstring>
 
 #include "oxa/service.h"
-#include "summary_stats/task.hpp"
 
 namespace {
 
@@ -42,9 +43,8 @@ oxa_status new_task(SSTask** out, const void* p, const void* n, const void* x_st
 }  // namespace
 
 extern "C" oxa_status _vsldSSNewTask(SSTask** task, const void* p, const void* n,
-                                     const void* x_storage, const double* x,
-                                     const double* weights, const void* indices,
-                                     int32_t index_width) {
+                                     const void* x_storage, const double* x, const double* weights,
+                                     const void* indices, int32_t index_width) {
   return new_task(task, p, n, x_storage, x, weights, indices, index_width);
 }
 

@@ -83,8 +83,7 @@ void check_all(const Fixture<T>& f, const Reference& ref, bool fast, bool given_
       near(f.cp[packed_position(f.cp_storage, f.p, a, b)], c, scale, tol, "cp", a * f.p + b);
       near(f.cov[packed_position(f.cov_storage, f.p, a, b)], c * factor, scale * factor, tol, "cov",
            a * f.p + b);
-      near(f.cor[packed_position(f.cor_storage, f.p, a, b)], c / scale, 1, tol, "cor",
-           a * f.p + b);
+      near(f.cor[packed_position(f.cor_storage, f.p, a, b)], c / scale, 1, tol, "cor", a * f.p + b);
     }
 }
 
@@ -237,7 +236,8 @@ TEST(SummaryStatsBasic, LeadingAndInnerZeroWeightsChangeNothing) {
     ASSERT_EQ(zeros.run(kAllEstimates, method), 0);
     for (int64_t j = 0; j < d.p; ++j) {
       near(zeros.mean[j], plain.mean[j], 1, 1e-13, "mean", j);
-      near(zeros.central_sum[2][j], plain.central_sum[2][j], plain.central_sum[2][j], 1e-12, "S4", j);
+      near(zeros.central_sum[2][j], plain.central_sum[2][j], plain.central_sum[2][j], 1e-12, "S4",
+           j);
     }
     EXPECT_EQ(zeros.accw[0], plain.accw[0]);
     for (size_t i = 0; i < plain.cov.size(); ++i)
@@ -287,7 +287,8 @@ TEST(SummaryStatsBasic, OnlySelectedComponentsAreComputedAndWritten) {
     Fixture<double> f(d, storage, true, 1);
     _vsliSSEditTask(f.task, 5, flags);
     const double sentinel = -12345;
-    for (auto* v : {&f.mean, &f.central[1], &f.cov, &f.cor}) std::fill(v->begin(), v->end(), sentinel);
+    for (auto* v : {&f.mean, &f.central[1], &f.cov, &f.cor})
+      std::fill(v->begin(), v->end(), sentinel);
     ASSERT_EQ(f.run(kAllEstimates, 0x2), 0);
     const Reference ref(d, true);
     for (int64_t j = 0; j < 5; ++j) {

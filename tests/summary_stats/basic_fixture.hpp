@@ -156,15 +156,15 @@ struct Fixture {
 
 // Every estimate the basic estimator computes.
 inline constexpr uint64_t kAllEstimates = 0x1ull | 0x2 | 0x4 | 0x8 | 0x10 | 0x20 | 0x40 | 0x80 |
-                                          0x100 | 0x200 | 0x1000 | 0x2000 | 0x2000000 |
-                                          0x4000000 | 0x8000000 | 0x10000000 | 0x20000000 |
-                                          0x40000000 | 0x80000000 | 0x100000000ull;
+                                          0x100 | 0x200 | 0x1000 | 0x2000 | 0x2000000 | 0x4000000 |
+                                          0x8000000 | 0x10000000 | 0x20000000 | 0x40000000 |
+                                          0x80000000 | 0x100000000ull;
 
 // |got - want| <= tol * scale, reported with a label.
-inline void near(long double got, long double want, long double scale, double tol,
-                 const char* what, int64_t j) {
-  EXPECT_LE(fabsl(got - want), tol * fabsl(scale)) << what << "[" << j << "]: got " << double(got)
-                                                   << " want " << double(want);
+inline void near(long double got, long double want, long double scale, double tol, const char* what,
+                 int64_t j) {
+  EXPECT_LE(fabsl(got - want), tol * fabsl(scale))
+      << what << "[" << j << "]: got " << double(got) << " want " << double(want);
 }
 
 }  // namespace sstest

@@ -17,9 +17,9 @@ TEST(SummaryStatsBasicValidation, MethodWords) {
   struct Case {
     int64_t method;
     oxa_status expect;
-  } cases[] = {{0x1, 0},     {0x2, 0},     {0x100, 0},   {0x3, -4029},  {0x101, -4029},
-               {0x102, -4029}, {0x0, -4029}, {0x800, -4029}, {0x200, 0}, {0x400, 0},
-               {0x600, 0},   {0x202, 0},   {0x4, -4029}};
+  } cases[] = {{0x1, 0},       {0x2, 0},     {0x100, 0},     {0x3, -4029}, {0x101, -4029},
+               {0x102, -4029}, {0x0, -4029}, {0x800, -4029}, {0x200, 0},   {0x400, 0},
+               {0x600, 0},     {0x202, 0},   {0x4, -4029}};
   for (const Case& c : cases) {
     Fixture<double> f(d, 0x20000, false);
     EXPECT_EQ(f.run(0x1 | 0x10, c.method), c.expect) << std::hex << c.method;
@@ -36,22 +36,19 @@ TEST(SummaryStatsBasicValidation, LowestMissingFieldFirst) {
     std::vector<int32_t> removed_ids;
     oxa_status expect;
   } cases[] = {
-      {0x80, 0x2, {13}, -4012},          // kurtosis needs central 4
-      {0x80, 0x2, {13, 11}, -4010},      // ... and central 2, a lower bit
-      {0x80, 0x2, {14}, -4013},          // the kurtosis field itself
-      {0x80, 0x2, {13, 14, 8}, -4007},   // raw 2 is implied by central 2
-      {0x1000, 0x2, {7}, -4006},         // covariance needs the mean
-      {0x2000, 0x2, {21, 19}, -4019},    // correlation does not need the covariance
-      {0x20000000, 0x2, {8}, 0},         // one-pass central sum 2: mean only
-      {0x20000000, 0x1, {8}, -4007},     // fast: from raw moment 2
-      {0x80000000, 0x1, {9}, -4008},
-      {0x100000000, 0x2, {74}, -4081},
-      {0x2000000, 0x2, {67}, -4074},     // the estimator's own code for the sum
-      {0x10, 0x200, {71}, -4078},        // conversion: central moment from its sum
-      {0x1, 0x200, {67}, -4074},
-      {0x2000000, 0x200, {}, -4029},     // sums cannot be converted
-      {0x100000000, 0x400, {}, -4029},
-      {0x200, 0x200, {}, 0},             // variation from existing moments
+      {0x80, 0x2, {13}, -4012},         // kurtosis needs central 4
+      {0x80, 0x2, {13, 11}, -4010},     // ... and central 2, a lower bit
+      {0x80, 0x2, {14}, -4013},         // the kurtosis field itself
+      {0x80, 0x2, {13, 14, 8}, -4007},  // raw 2 is implied by central 2
+      {0x1000, 0x2, {7}, -4006},        // covariance needs the mean
+      {0x2000, 0x2, {21, 19}, -4019},   // correlation does not need the covariance
+      {0x20000000, 0x2, {8}, 0},        // one-pass central sum 2: mean only
+      {0x20000000, 0x1, {8}, -4007},    // fast: from raw moment 2
+      {0x80000000, 0x1, {9}, -4008},   {0x100000000, 0x2, {74}, -4081},
+      {0x2000000, 0x2, {67}, -4074},  // the estimator's own code for the sum
+      {0x10, 0x200, {71}, -4078},     // conversion: central moment from its sum
+      {0x1, 0x200, {67}, -4074},       {0x2000000, 0x200, {}, -4029},  // sums cannot be converted
+      {0x100000000, 0x400, {}, -4029}, {0x200, 0x200, {}, 0},  // variation from existing moments
   };
   for (const Case& c : cases) {
     Fixture<double> f(d, 0x20000, false);
@@ -70,11 +67,26 @@ TEST(SummaryStatsBasicValidation, DataDescriptionAndUntouchedResults) {
     oxa_status expect = 0;
     int64_t method = 0x2;
     switch (which) {
-      case 0: f.task->n_observations = nullptr; expect = -4002; break;
-      case 1: f.task->n_observations = &zero; expect = -4002; break;
-      case 2: f.task->observations = nullptr; expect = -4032; break;
-      case 3: f.task->x_storage = nullptr; expect = -4044; break;
-      case 4: f.task->x_storage = &bad_storage; expect = -4003; break;
+      case 0:
+        f.task->n_observations = nullptr;
+        expect = -4002;
+        break;
+      case 1:
+        f.task->n_observations = &zero;
+        expect = -4002;
+        break;
+      case 2:
+        f.task->observations = nullptr;
+        expect = -4032;
+        break;
+      case 3:
+        f.task->x_storage = nullptr;
+        expect = -4044;
+        break;
+      case 4:
+        f.task->x_storage = &bad_storage;
+        expect = -4003;
+        break;
       case 5:  // conversion with weights but no accumulated weights
         f.task->accumulated_weights = nullptr;
         method = 0x200;
@@ -128,9 +140,12 @@ TEST(SummaryStatsBasicValidation, KernelTableOrderMatchesNames) {
     const oxa::ss::Plan plan{c.method, c.level, c.cp, 1, 0};
     const auto kernel = oxa::ss::choose_kernel<double>(plan, c.by_obs, c.weighted);
     int index = -1;
-    for (int i = 0; i < 32; ++i) if (t.one_pass[i] == kernel) index = i;
-    for (int i = 0; i < 16; ++i) if (t.fast[i] == kernel) index = 32 + i;
-    for (int i = 0; i < 16; ++i) if (t.given_mean[i] == kernel) index = 48 + i;
+    for (int i = 0; i < 32; ++i)
+      if (t.one_pass[i] == kernel) index = i;
+    for (int i = 0; i < 16; ++i)
+      if (t.fast[i] == kernel) index = 32 + i;
+    for (int i = 0; i < 16; ++i)
+      if (t.given_mean[i] == kernel) index = 48 + i;
     ASSERT_GE(index, 0) << c.name;
     EXPECT_STREQ(kBasicKernelNames[index], c.name);
   }

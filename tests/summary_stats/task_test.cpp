@@ -1,4 +1,6 @@
 // Task creation, the editors' parameter tables, grouped editors and deletion.
+#include "summary_stats/task.hpp"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,7 +11,6 @@
 #include "oxa/service.h"
 #include "oxa/summary_stats.h"
 #include "summary_stats/edit_task.hpp"
-#include "summary_stats/task.hpp"
 
 namespace {
 
@@ -24,11 +25,15 @@ TEST(SummaryStatsTask, CreationChecksInOrder) {
     int32_t width;
     oxa_status expect;
   } cases[] = {
-      {nullptr, &n5, &rows, x, 0, -4001},   {&p0, &n5, &rows, x, 0, -4001},
-      {&p3, &n5, nullptr, x, 0, -4044},     {&p3, &n5, &bad, x, 0, -4003},
-      {&p3, nullptr, &rows, x, 0, -4002},   {&p3, &n0, &cols, x, 0, -4002},
+      {nullptr, &n5, &rows, x, 0, -4001},
+      {&p0, &n5, &rows, x, 0, -4001},
+      {&p3, &n5, nullptr, x, 0, -4044},
+      {&p3, &n5, &bad, x, 0, -4003},
+      {&p3, nullptr, &rows, x, 0, -4002},
+      {&p3, &n0, &cols, x, 0, -4002},
       {&p3, nullptr, nullptr, nullptr, 0, 0},  // data described later
-      {&p3, &n0, &bad, nullptr, 0, 0},      {&p3, &n5, &cols, x, 0, 0},
+      {&p3, &n0, &bad, nullptr, 0, 0},
+      {&p3, &n5, &cols, x, 0, 0},
       {&p3, &n5, &rows, x, 2, -3},
   };
   for (const Case& c : cases) {
@@ -66,9 +71,8 @@ TEST(SummaryStatsTask, GenericEditorTables) {
   const int32_t p = 2;
   SSTask* task = nullptr;
   ASSERT_EQ(_vsldSSNewTask(&task, &p, nullptr, nullptr, nullptr, nullptr, nullptr, 0), 0);
-  const std::vector<int32_t> integer_ids = {1,  2,  4,  5,  20, 22, 24, 28, 29, 32, 34, 36, 37,
-                                            41, 44, 45, 47, 49, 50, 52, 54, 56, 58, 61, 62, 64,
-                                            75, 79};
+  const std::vector<int32_t> integer_ids = {1,  2,  4,  5,  20, 22, 24, 28, 29, 32, 34, 36, 37, 41,
+                                            44, 45, 47, 49, 50, 52, 54, 56, 58, 61, 62, 64, 75, 79};
   const std::vector<std::pair<int32_t, int32_t>> null_codes = {
       {1, -4001},  {2, -4002},  {3, -4032},  {4, -4044},  {5, -4004},  {6, -4005},  {7, -4006},
       {10, -4009}, {13, -4012}, {14, -4013}, {16, -4015}, {18, -4017}, {19, -4018}, {23, -4020},
@@ -102,8 +106,8 @@ TEST(SummaryStatsTask, GenericEditorTables) {
   std::vector<size_t> offsets;
   for (int32_t id = 1; id <= 79; ++id)
     if (oxa::ss::field_kind(id) != FieldKind::None) {
-      const size_t at = reinterpret_cast<char*>(oxa::ss::field_slot(*task, id)) -
-                        reinterpret_cast<char*>(task);
+      const size_t at =
+          reinterpret_cast<char*>(oxa::ss::field_slot(*task, id)) - reinterpret_cast<char*>(task);
       EXPECT_GE(at, 16u);
       EXPECT_LT(at, sizeof(SSTask));
       offsets.push_back(at);
@@ -140,17 +144,21 @@ TEST(SummaryStatsTask, GroupedEditors) {
          [&] { return _vsldSSEditMoments(task, a, a + 1, a + 2, a + 3, a + 4, a + 5, a + 6); });
   set_by({67, 68, 69, 70, 71, 72, 73},
          [&] { return _vsldSSEditSums(task, a, a + 1, a + 2, a + 3, a + 4, a + 5, a + 6); });
-  set_by({7, 19, 20, 21, 22}, [&] { return _vsldSSEditCovCor(task, a, a + 1, a + 2, a + 3, a + 4); });
+  set_by({7, 19, 20, 21, 22},
+         [&] { return _vsldSSEditCovCor(task, a, a + 1, a + 2, a + 3, a + 4); });
   set_by({7, 67, 74, 75}, [&] { return _vsldSSEditCP(task, a, a + 1, a + 2, a + 3); });
   set_by({45, 19, 20, 21, 22, 46, 47, 48, 49}, [&] {
-    return _vsldSSEditPartialCovCor(task, a, a + 1, a + 2, a + 3, a + 4, a + 5, a + 6, a + 7, a + 8);
+    return _vsldSSEditPartialCovCor(task, a, a + 1, a + 2, a + 3, a + 4, a + 5, a + 6, a + 7,
+                                    a + 8);
   });
-  set_by({24, 25, 26, 27, 44}, [&] { return _vsldSSEditQuantiles(task, a, a + 1, a + 2, a + 3, a + 4); });
+  set_by({24, 25, 26, 27, 44},
+         [&] { return _vsldSSEditQuantiles(task, a, a + 1, a + 2, a + 3, a + 4); });
   set_by({64, 65, 66, 62, 63},
          [&] { return _vsldSSEditStreamQuantiles(task, a, a + 1, a + 2, a + 3, a + 4); });
   set_by({28, 30, 31, 32, 33, 35},
          [&] { return _vsldSSEditPooledCovariance(task, a, a + 1, a + 2, a + 3, a + 4, a + 5); });
-  set_by({36, 37, 38, 39, 40}, [&] { return _vsldSSEditRCov(task, a, a + 1, a + 2, a + 3, a + 4); });
+  set_by({36, 37, 38, 39, 40},
+         [&] { return _vsldSSEditRCov(task, a, a + 1, a + 2, a + 3, a + 4); });
   set_by({41, 42, 43}, [&] { return _vsldSSEditOutDetect(task, a, a + 1, a + 2); });
   set_by({50, 51, 52, 53, 58, 59, 54, 55, 56, 57}, [&] {
     return _vsldSSEditMissingVals(task, a, a + 1, a + 2, a + 3, a + 4, a + 5, a + 6, a + 7, a + 8,
@@ -163,7 +171,8 @@ TEST(SummaryStatsTask, GroupedEditors) {
   EXPECT_EQ(task->central_moment[2], static_cast<void*>(f + 1));
   SSTask before;
   std::memcpy(static_cast<void*>(&before), task, sizeof(SSTask));
-  EXPECT_EQ(_vslsSSEditSums(task, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr), 0);
+  EXPECT_EQ(_vslsSSEditSums(task, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr),
+            0);
   EXPECT_EQ(_vslsSSEditMtxParametrz(task, nullptr, nullptr, nullptr, nullptr), 0);
   EXPECT_EQ(std::memcmp(&before, task, sizeof(SSTask)), 0);
   EXPECT_EQ(_vsldSSEditCP(nullptr, a, a, a, a), -4031);
@@ -172,8 +181,12 @@ TEST(SummaryStatsTask, GroupedEditors) {
 }
 
 std::vector<int> cleanup_log;
-void cleanup_first(SSTask*) { cleanup_log.push_back(1); }
-void cleanup_second(SSTask*) { cleanup_log.push_back(2); }
+void cleanup_first(SSTask*) {
+  cleanup_log.push_back(1);
+}
+void cleanup_second(SSTask*) {
+  cleanup_log.push_back(2);
+}
 
 TEST(SummaryStatsTask, DeletionRunsCleanupInOrder) {
   EXPECT_EQ(_vslSSDeleteTask(nullptr), -4031);
