@@ -49,7 +49,8 @@ enum { OXA_SS_MATRIX_FULL = 0, OXA_SS_MATRIX_PACKED_UPPER = 0x1, OXA_SS_MATRIX_P
 enum {
   OXA_SS_METHOD_FAST = 0x1,         /* raw sums first, central quantities derived */
   OXA_SS_METHOD_ONE_PASS = 0x2,     /* updating (merging) accumulation */
-  OXA_SS_METHOD_GIVEN_MEAN = 0x100, /* central sums about the mean field's values */
+  OXA_SS_METHOD_GIVEN_MEAN = 0x100, /* central sums about the mean field's values,
+                                      which are read and never written */
   OXA_SS_METHOD_CONVERT = 0x200,    /* derive results from accumulated sums */
   OXA_SS_METHOD_CONVERT_ALT = 0x400
 };
@@ -65,8 +66,6 @@ static const uint64_t OXA_SS_EST_CENTRAL4 = 0x40;
 static const uint64_t OXA_SS_EST_KURTOSIS = 0x80;
 static const uint64_t OXA_SS_EST_SKEWNESS = 0x100;
 static const uint64_t OXA_SS_EST_VARIATION = 0x200;
-static const uint64_t OXA_SS_EST_MIN = 0x400;
-static const uint64_t OXA_SS_EST_MAX = 0x800;
 static const uint64_t OXA_SS_EST_COVARIANCE = 0x1000;
 static const uint64_t OXA_SS_EST_CORRELATION = 0x2000;
 static const uint64_t OXA_SS_EST_SUM = 0x2000000;
@@ -210,7 +209,19 @@ oxa_status _vslSSDeleteTask(SSTask** task);
  *   variation         = sqrt(central moment 2) / mean
  *   covariance        = cross-product / (Wt - Wt2/Wt) for Wt > 0, else itself
  *   correlation       = cp_ij / sqrt(cp_ii cp_jj)
- * Without an accumulated-weights array every call starts afresh. */
+ * Running state: each quantity continues from its sum field when that is
+ * requested, else from its moment field (mean, raw and central moments,
+ * covariance); accumulated weights {0, 0} start afresh whatever the other
+ * arrays hold, and without an accumulated-weights array every call starts
+ * afresh. A correlation requested without covariance or cross-product
+ * describes the current call's observations only. The given-mean method
+ * centres central sums and cross-products on the mean field's values.
+ * Conversion mode (no base method) reads no observations: moments from their
+ * sums, covariance and correlation from the cross-product, with Wt and Wt2
+ * from the accumulated weights (or both equal to n when that array is absent
+ * and there are no weights). Only components whose index flag is non-zero (all
+ * when there is no index array) are computed; other entries are left as they
+ * are. Estimate bits of other estimators are ignored. */
 oxa_status _vsldSSBasic(SSTask* task, uint64_t estimates, int64_t method);
 oxa_status _vslsSSBasic(SSTask* task, uint64_t estimates, int64_t method);
 
