@@ -169,6 +169,13 @@ int32_t store_results(SSTask& t, uint32_t req, Method method, const int64_t* com
   const T W = A.W, factor = covariance_factor(A.W, A.W2);
   const bool base = method != Method::Convert;
   auto field = [](void* f) { return static_cast<T*>(f); };
+  // The correlation first: its work buffer is the only thing that can fail,
+  // and a failure then leaves every result untouched.
+  if (req & bit(kCorrelation)) {
+    const int32_t s = _vSSFullCP2PackCor(
+        A.cp, pc, ps, comp, p, read_int_or(t, t.correlation_storage, 0), field(t.correlation));
+    if (s != 0) return s;
+  }
   for (int64_t k = 0; k < pc; ++k) {
     const int64_t j = comp[k];
     const T s2 = A.central[0][k], s3 = A.central[1][k], s4 = A.central[2][k];
@@ -194,11 +201,6 @@ int32_t store_results(SSTask& t, uint32_t req, Method method, const int64_t* com
   if (req & bit(kCovariance))
     _vSSFullCP2PackCov(A.cp, pc, ps, comp, p, read_int_or(t, t.covariance_storage, 0), factor,
                        field(t.covariance));
-  if (req & bit(kCorrelation)) {
-    const int32_t s = _vSSFullCP2PackCor(
-        A.cp, pc, ps, comp, p, read_int_or(t, t.correlation_storage, 0), field(t.correlation));
-    if (s != 0) return s;
-  }
   if (base && t.accumulated_weights != nullptr) {
     field(t.accumulated_weights)[0] = A.W;
     field(t.accumulated_weights)[1] = A.W2;
