@@ -192,6 +192,33 @@ TEST(SummaryStatsBasic, ConsecutiveCallsGiveTheEstimatesOfOneCall) {
       }
 }
 
+// Without sum or cross-product arrays the running state is recovered from the
+// moments and the covariance between calls.
+TEST(SummaryStatsBasic, ConsecutiveCallsContinueFromMomentsAlone) {
+  const Data d(3, 2000, 13);
+  const uint64_t moments = 0x1 | 0x2 | 0x4 | 0x8 | 0x10 | 0x20 | 0x40 | 0x80 | 0x1000;
+  for (int64_t method : {0x1, 0x2})
+    for (bool weighted : {false, true}) {
+      SCOPED_TRACE(testing::Message() << method << " " << weighted);
+      Fixture<double> whole(d, 0x20000, weighted), f(d, 0x20000, weighted);
+      for (auto* task : {whole.task, f.task}) {
+        task->sum = task->cross_product = nullptr;
+        for (auto*& field : task->raw_sum) field = nullptr;
+        for (auto*& field : task->central_sum) field = nullptr;
+      }
+      ASSERT_EQ(whole.run(moments, method), 0);
+      run_in_pieces(f, d, 3, moments, method);
+      for (int k = 0; k < 3; ++k)
+        for (int64_t j = 0; j < d.p; ++j) {
+          near(f.raw[k][j], whole.raw[k][j], whole.raw[k][j], 1e-12, "raw moment", j);
+          near(f.central[k][j], whole.central[k][j], whole.central[0][j], 1e-10, "central", j);
+        }
+      for (size_t i = 0; i < f.cov.size(); ++i)
+        near(f.cov[i], whole.cov[i], 1, 1e-12, "cov", int64_t(i));
+      EXPECT_NEAR(f.kurtosis[1], whole.kurtosis[1], 1e-9);
+    }
+}
+
 TEST(SummaryStatsBasic, ThreadCountDoesNotChangeTheEstimates) {
   const Data d(6, 40000, 5);
   const int saved = omp_get_max_threads();
