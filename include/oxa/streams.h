@@ -13,12 +13,9 @@
 
 OXA_EXTERN_C_BEGIN
 
-/* Status codes of streams and generators. */
+/* Status codes of streams and generators (the common ones are in oxa/types.h). */
 enum {
-  VSL_STATUS_OK = 0,
   VSL_ERROR_BAD_INIT_METHOD = -2,
-  VSL_ERROR_BAD_ARGUMENT = -3,
-  VSL_ERROR_NO_MEMORY = -4,
   VSL_RNG_ERROR_NULL_ENTRY_POINT = -5,
   VSL_RNG_ERROR_BAD_BRNG = -1000,
   VSL_RNG_ERROR_NO_LEAPFROG = -1002,

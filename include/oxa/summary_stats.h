@@ -18,11 +18,9 @@ typedef struct SSTask SSTask;
 /* A clean-up routine registered on a task; deletion calls it with the task. */
 typedef void (*SSCleanupRoutine)(SSTask* task);
 
-/* Status codes (0 success). Each parameter id also has its own code for a null
+/* Status codes (0 success; the common ones are in oxa/types.h). Each parameter id also has its own code for a null
  * address; see the editors below. */
 enum {
-  VSL_STATUS_OK = 0,
-  VSL_ERROR_BAD_ARGUMENT = -3,
   VSL_SS_ERROR_MEM_FAILURE = -4000,
   VSL_SS_ERROR_BAD_DIMENSION = -4001,
   VSL_SS_ERROR_BAD_OBS_NUMBER = -4002,

@@ -19,6 +19,14 @@ OXA_EXTERN_C_BEGIN
  * negative values are errors (each subsystem header lists its codes). */
 typedef int32_t oxa_status;
 
+/* Statuses shared by the vector-statistics subsystems (streams, distributions,
+ * summary statistics). */
+enum {
+  VSL_STATUS_OK = 0,
+  VSL_ERROR_BAD_ARGUMENT = -3,
+  VSL_ERROR_NO_MEMORY = -4
+};
+
 /* Body of a parallel-for: called once for every iteration index in [0, n).
  * `thread` is the index of the calling worker in [0, nthreads); a body may use
  * it to pick private scratch. */
