@@ -1,0 +1,199 @@
+// MT19937 skip-ahead by any 64-bit count.
+// Method: the recurrence state S_t = (x_t upper bit, x_{t+1} .. x_{t+623}) is
+//   a vector over GF(2) of dimension 19937 and one step is a linear map F with
+//   characteristic polynomial p (table made by tools/mt19937_poly.py). So
+//   F^J S = g(F) S with g = x^J mod p. g comes from left-to-right binary
+//   exponentiation (squaring is a bit spread; reduction uses the 134 low terms
+//   of p, 512 bits at a time) and is applied to S by Horner's rule four
+//   coefficients at a time over a table of the 16 states h(F) S, deg h < 4.
+//   Counts that stay within about 32 blocks regenerate blocks instead.
+// Cost: ~50 squarings and one 19937-step Horner pass for a count of 2^64 - 1.
+#include <immintrin.h>
+
+#include <cstring>
+
+#include "streams/mt19937.hpp"
+
+namespace oxa::streams {
+
+#include "streams/mt19937_poly.inc"
+
+namespace {
+
+constexpr int kDegree = 19937;
+constexpr int kPolyWords = 312;        // words of a reduced polynomial
+constexpr int kProductWords = 624;     // words of a square before reduction
+constexpr int kSlack = 16;             // zero words that vector tails may touch
+constexpr int kTerms = sizeof(_vsl_mt19937_poly_terms) / sizeof(_vsl_mt19937_poly_terms[0]);
+constexpr uint64_t kBlocksByStepping = 32;  // about one Horner pass of work
+
+using Poly = uint64_t[kProductWords + kSlack];
+
+// dst (bit s onward) ^= the 512-bit chunk held in hp[1..8]; hp[0] and hp[9..12]
+// are zero so the shifted tail words carry only zeros.
+inline void xor_shifted_chunk(uint64_t* dst, const uint64_t* hp, unsigned s) {
+  uint64_t* d = dst + (s >> 6);
+  const __m128i left = _mm_cvtsi32_si128(int(s & 63));
+  const __m128i right = _mm_cvtsi32_si128(int(63 - (s & 63)));
+  for (int i = 0; i < 12; i += 4) {
+    const __m256i lo = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(hp + i));
+    const __m256i hi = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(hp + i + 1));
+    const __m256i v = _mm256_or_si256(_mm256_sll_epi64(hi, left),
+                                      _mm256_srl_epi64(_mm256_srli_epi64(lo, 1), right));
+    __m256i* q = reinterpret_cast<__m256i*>(d + i);
+    _mm256_storeu_si256(q, _mm256_xor_si256(_mm256_loadu_si256(q), v));
+  }
+}
+
+// a mod p for a of degree < 2*19937, in place. x^19937 = sum of the low terms,
+// so a 512-bit chunk H at bit P >= 19937 becomes sum_k H x^(P - 19937 + k);
+// the highest low term is 623 below the degree, so a chunk never feeds itself.
+void reduce(uint64_t* a) {
+  alignas(32) uint64_t hp[13] = {};
+  for (int c = kProductWords - 8; c >= kPolyWords; c -= 8) {
+    std::memcpy(hp + 1, a + c, 8 * sizeof(uint64_t));
+    std::memset(a + c, 0, 8 * sizeof(uint64_t));
+    const unsigned base = unsigned(64 * c - kDegree);
+    for (int t = 0; t < kTerms; ++t) xor_shifted_chunk(a, hp, base + _vsl_mt19937_poly_terms[t]);
+  }
+  // Bits 19937..19967 of word 311.
+  const uint64_t top = a[kPolyWords - 1] >> (kDegree & 63);
+  a[kPolyWords - 1] &= (uint64_t(1) << (kDegree & 63)) - 1;
+  if (top == 0) return;
+  std::memset(hp, 0, sizeof hp);
+  hp[1] = top;
+  for (int t = 0; t < kTerms; ++t) xor_shifted_chunk(a, hp, _vsl_mt19937_poly_terms[t]);
+}
+
+void square(const uint64_t* g, uint64_t* out) {
+  constexpr uint64_t kSpread = 0x5555555555555555u;
+  for (int i = 0; i < kPolyWords; ++i) {
+    out[2 * i] = _pdep_u64(g[i] & 0xFFFFFFFFu, kSpread);
+    out[2 * i + 1] = _pdep_u64(g[i] >> 32, kSpread);
+  }
+  std::memset(out + kProductWords, 0, kSlack * sizeof(uint64_t));
+  reduce(out);
+}
+
+void times_x(uint64_t* g) {
+  for (int i = kPolyWords - 1; i > 0; --i) g[i] = (g[i] << 1) | (g[i - 1] >> 63);
+  g[0] <<= 1;
+  if ((g[kPolyWords - 1] >> (kDegree & 63)) & 1) {
+    for (int i = 0; i < kPolyWords; ++i) g[i] ^= _vsl_mt19937_poly[i];  // clears x^19937
+  }
+}
+
+// g = x^e mod p. Exponents below 19937 stay monomials until they would not.
+void x_pow_mod(unsigned __int128 e, uint64_t* g) {
+  int bit = 127;
+  while (bit >= 0 && !((e >> bit) & 1)) --bit;
+  uint64_t m = 0;
+  for (; bit >= 0; --bit) {
+    const uint64_t next = 2 * m + uint64_t((e >> bit) & 1);
+    if (next >= kDegree) break;
+    m = next;
+  }
+  std::memset(g, 0, sizeof(Poly));
+  g[m >> 6] = uint64_t(1) << (m & 63);
+  Poly sq;
+  for (; bit >= 0; --bit) {
+    square(g, sq);
+    std::memcpy(g, sq, kPolyWords * sizeof(uint64_t));
+    if ((e >> bit) & 1) times_x(g);
+  }
+}
+
+// The recurrence state as a circular window: word (idx + k) % 624 is x_{t+k}.
+struct Window {
+  uint32_t w[kMtWords];
+  int idx;
+
+  void step() {
+    const int i = idx;
+    const int i1 = i + 1 == kMtWords ? 0 : i + 1;
+    const int im = i + kMtShift >= kMtWords ? i + kMtShift - kMtWords : i + kMtShift;
+    const uint32_t y = (w[i] & 0x80000000u) | (w[i1] & 0x7FFFFFFFu);
+    w[i] = w[im] ^ (y >> 1) ^ ((y & 1u) ? 0x9908B0DFu : 0u);
+    idx = i1;
+  }
+  // this ^= other, for an other whose window starts at index 0.
+  void add(const uint32_t* other) {
+    xor_words(w + idx, other, kMtWords - idx);
+    xor_words(w, other + (kMtWords - idx), idx);
+  }
+  static void xor_words(uint32_t* d, const uint32_t* s, int n) {
+    int i = 0;
+    for (; i + 8 <= n; i += 8) {
+      __m256i* q = reinterpret_cast<__m256i*>(d + i);
+      _mm256_storeu_si256(q, _mm256_xor_si256(_mm256_loadu_si256(q),
+                                              _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s + i))));
+    }
+    for (; i < n; ++i) d[i] ^= s[i];
+  }
+  void copy_from_start(uint32_t* out) const {  // out[k] = x_{t+k}
+    std::memcpy(out, w + idx, (kMtWords - idx) * sizeof(uint32_t));
+    std::memcpy(out + (kMtWords - idx), w, idx * sizeof(uint32_t));
+  }
+};
+
+constexpr int kWindowBits = 4;
+
+// acc = g(F) S for the state S whose words are start[0..623].
+void apply_poly(const uint64_t* g, const uint32_t* start, Window& acc) {
+  // table[h] = h(F) S for every h of degree < kWindowBits.
+  static_assert(kWindowBits == 4);
+  uint32_t table[1 << kWindowBits][kMtWords];
+  Window power;
+  std::memcpy(power.w, start, sizeof power.w);
+  power.idx = 0;
+  std::memset(table[0], 0, sizeof table[0]);
+  for (int j = 0; j < kWindowBits; ++j) {
+    uint32_t* basis = table[1 << j];
+    power.copy_from_start(basis);
+    for (int h = 1; h < (1 << j); ++h) {
+      uint32_t* t = table[(1 << j) | h];
+      for (int k = 0; k < kMtWords; ++k) t[k] = basis[k] ^ table[h][k];
+    }
+    power.step();
+  }
+  std::memset(acc.w, 0, sizeof acc.w);
+  acc.idx = 0;
+  bool started = false;
+  for (int c = (kDegree + kWindowBits - 1) / kWindowBits - 1; c >= 0; --c) {
+    const int bit = c * kWindowBits;
+    const unsigned h = unsigned(g[bit >> 6] >> (bit & 63)) & ((1u << kWindowBits) - 1);
+    if (started) {
+      for (int j = 0; j < kWindowBits; ++j) acc.step();
+    }
+    if (h != 0) {
+      acc.add(table[h]);
+      started = true;
+    }
+  }
+}
+
+}  // namespace
+
+void mt19937_skip(Mt19937State& s, uint64_t n) {
+  if (n == 0) return;
+  const unsigned __int128 total = static_cast<unsigned __int128>(n) + unsigned(s.pos);
+  const unsigned __int128 blocks = total / kMtWords;
+  const int32_t pos = static_cast<int32_t>(total % kMtWords);
+  if (blocks <= kBlocksByStepping) {
+    for (unsigned b = 0; b < unsigned(blocks); ++b) mt19937_regenerate(s.mt);
+    s.pos = pos;
+    return;
+  }
+  // The stream's block holds x_B .. x_{B+623}. Jump S_B to S_{B'-1} with
+  // B' = B + 624*blocks; one more step yields x_{B'+623}, and the window then
+  // starts at x_{B'}: the new block.
+  Poly g;
+  x_pow_mod(blocks * kMtWords - 1, g);
+  Window acc;
+  apply_poly(g, s.mt, acc);
+  acc.step();
+  acc.copy_from_start(s.mt);
+  s.pos = pos;
+}
+
+}  // namespace oxa::streams
