@@ -1,0 +1,39 @@
+// The process-wide table of read-only data that streams share by reference
+// count (128 entries kept packed at the front), guarded by one spin lock.
+// A lookup and the update that follows it are separate critical sections.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "oxa/streams.h"
+
+namespace oxa::streams {
+
+inline constexpr int32_t kGlobRODataTableSize = 128;
+
+extern GlobRODataTableEntry GlobRODataTable[kGlobRODataTableSize];
+extern int32_t GlobRODataTableCount;  // read without the lock by _vslAddChunk only
+extern std::atomic<int32_t> VSL_GLOB_RO_DATA_TABLE_LOCKER_1;
+
+// Spin lock: compare-and-exchange 0 -> 1 until it succeeds; release stores 0.
+void lock_table();
+void unlock_table();
+
+// Count of entries in use, read without the lock (a relaxed snapshot).
+int32_t table_count_unlocked();
+
+inline bool key_is_zero(const uint64_t key[2]) { return key[0] == 0 && key[1] == 0; }
+
+// True when the key (non-zero) is in the table (lock, scan, unlock).
+bool table_contains(const uint64_t key[2]);
+
+// Releases what a chunk holds: its private data, or one reference to shared
+// data. Does not free the chunk record itself.
+void release_chunk_data(StreamChunk* chunk);
+
+// Steps 2 to 5 of adding a chunk: share or register the data, then push the
+// (already filled) chunk at the head of the stream's list.
+void link_new_chunk(StreamState* stream, StreamChunk* chunk);
+
+}  // namespace oxa::streams
