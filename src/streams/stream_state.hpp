@@ -20,7 +20,7 @@ inline constexpr std::size_t kBlockAlignment = 128;
 // 16-byte aligned inside a 128-byte aligned block).
 template <class State>
 inline State* generator_state(StreamState* stream) {
-  static_assert(sizeof(StreamState) + sizeof(State) <= 1024);
+  static_assert(sizeof(StreamState) + sizeof(State) <= 4096);
   return reinterpret_cast<State*>(reinterpret_cast<unsigned char*>(stream) + sizeof(StreamState));
 }
 template <class State>
