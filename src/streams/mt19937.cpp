@@ -126,7 +126,8 @@ void mt19937_temper(const uint32_t* in, uint32_t* out, std::size_t n) {
 
 void mt19937_words(Mt19937State& s, std::size_t n, uint32_t* out) {
   while (n > 0) {
-    if (s.pos >= kMtWords) {
+    // Any pos outside 0..623 (a loaded image may hold one) means "used up".
+    if (static_cast<uint32_t>(s.pos) >= kMtWords) {
       mt19937_regenerate(s.mt);
       s.pos = 0;
     }

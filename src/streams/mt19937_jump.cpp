@@ -176,7 +176,8 @@ void apply_poly(const uint64_t* g, const uint32_t* start, Window& acc) {
 
 void mt19937_skip(Mt19937State& s, uint64_t n) {
   if (n == 0) return;
-  const unsigned __int128 total = static_cast<unsigned __int128>(n) + unsigned(s.pos);
+  const unsigned used = static_cast<uint32_t>(s.pos) <= kMtWords ? unsigned(s.pos) : kMtWords;
+  const unsigned __int128 total = static_cast<unsigned __int128>(n) + used;
   const unsigned __int128 blocks = total / kMtWords;
   const int32_t pos = static_cast<int32_t>(total % kMtWords);
   if (blocks <= kBlocksByStepping) {
