@@ -1,5 +1,6 @@
-// CPUID leaf 1, ECX: bit 25 AES, bit 30 RDRAND. Read on every query: CPUID is
-// cheap next to a generation call, and no cached state needs a lock.
+// CPUID leaf 1, ECX: bit 25 AES, bit 30 RDRAND. The word is read once and
+// cached in an atomic (threads racing on the first query store the same value),
+// because CPUID can cost microseconds under a hypervisor.
 #include "streams/cpu_features.hpp"
 
 #include <cpuid.h>
@@ -14,11 +15,19 @@ namespace {
 
 constexpr unsigned kAesBit = 1u << 25;
 constexpr unsigned kRdrandBit = 1u << 30;
+constexpr unsigned kUnknown = ~0u;
 std::atomic<unsigned> hidden{0};
+std::atomic<unsigned> cached{kUnknown};
 
 unsigned leaf1_ecx() {
-  unsigned eax = 0, ebx = 0, ecx = 0, edx = 0;
-  if (!__get_cpuid(1, &eax, &ebx, &ecx, &edx)) return 0;
+  unsigned ecx = cached.load(std::memory_order_relaxed);
+  if (ecx == kUnknown) {
+    unsigned eax = 0, ebx = 0, edx = 0;
+    ecx = 0;
+    if (!__get_cpuid(1, &eax, &ebx, &ecx, &edx)) ecx = 0;
+    ecx &= kAesBit | kRdrandBit;
+    cached.store(ecx, std::memory_order_relaxed);
+  }
   return ecx & ~hidden.load(std::memory_order_relaxed);
 }
 
