@@ -6,6 +6,17 @@
 // gives b when z = m1. Every term stays below 2^53, so the integer recurrence
 // is exact. Leapfrog is refused; skip-ahead raises each component's companion
 // matrix to the skip count.
+// Vector form (blocks of 1024): eight lanes each make 128 consecutive outputs
+// of the block, starting from the state jumped ahead by 0, 128, ..., 896 steps
+// with precomputed matrix powers. Lanes keep their words as doubles in the
+// centred range |x| <= m/2 + 2 (p - m round(p/m)), so every product and the
+// recurrence stay exact below 2^53 without range corrections; words are made
+// canonical only for the output. Four steps are transposed into four
+// consecutive outputs of each lane. The result equals the scalar recurrence.
+#include <immintrin.h>
+
+#include <array>
+
 #include "streams/brng_frame.hpp"
 #include "streams/registry.hpp"
 #include "streams/stream_state.hpp"
@@ -43,10 +54,159 @@ inline void words(MrgState& s, int32_t n, uint32_t* w) {
   s.x2[2] = static_cast<uint32_t>(b2);
 }
 
+// ---- vector form ----------------------------------------------------------
+
+constexpr int kLanes = 8, kSteps = 128, kVectorBlock = kLanes * kSteps;
+
+using Matrix = std::array<uint64_t, 9>;
+
+constexpr Matrix mat_mul(const Matrix& x, const Matrix& y, uint64_t m) {
+  Matrix z{};
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j) {
+      unsigned __int128 acc = 0;
+      for (int k = 0; k < 3; ++k) acc += static_cast<unsigned __int128>(x[3 * i + k]) * y[3 * k + j];
+      z[3 * i + j] = static_cast<uint64_t>(acc % m);
+    }
+  return z;
+}
+
+constexpr Matrix mat_pow(Matrix x, uint64_t e, uint64_t m) {
+  Matrix r{1, 0, 0, 0, 1, 0, 0, 0, 1};
+  for (; e; e >>= 1) {
+    if (e & 1) r = mat_mul(r, x, m);
+    x = mat_mul(x, x, m);
+  }
+  return r;
+}
+
+// Jumps for lane starts: kJumpN[j] = A^(j * kSteps). The last one also takes a
+// lane from its end to its start in the next block.
+template <uint64_t M, uint64_t C1, uint64_t C3, bool kFirstLag>
+constexpr std::array<Matrix, kLanes> make_jumps() {
+  const Matrix a = kFirstLag ? Matrix{0, C1, M - C3, 1, 0, 0, 0, 1, 0}
+                             : Matrix{C1, 0, M - C3, 1, 0, 0, 0, 1, 0};
+  std::array<Matrix, kLanes> j{};
+  for (int k = 0; k < kLanes; ++k) j[k] = mat_pow(a, static_cast<uint64_t>(k) * kSteps, M);
+  return j;
+}
+constexpr auto kJump1 = make_jumps<kM1, kA12, kA13, true>();
+constexpr auto kJump2 = make_jumps<kM2, kA21, kA23, false>();
+
+// v mod m for m = 2^32 - c by folding the high part (c = 209 or 22853).
+inline uint64_t fold_mod(unsigned __int128 v, uint64_t m) {
+  const uint64_t c = (uint64_t{1} << 32) - m;
+  while (v >> 32) v = (v >> 32) * c + (v & 0xFFFFFFFFu);
+  const uint64_t r = static_cast<uint64_t>(v);
+  return r >= m ? r - m : r;
+}
+
+// (x(n-3), x(n-2), x(n-1)) -> the same words after the jump M.
+inline void jump(uint32_t x[3], const Matrix& j, uint64_t m) {
+  const uint64_t v[3] = {x[2], x[1], x[0]};
+  uint64_t w[3];
+  for (int i = 0; i < 3; ++i) {
+    unsigned __int128 acc = 0;
+    for (int k = 0; k < 3; ++k) acc += static_cast<unsigned __int128>(j[3 * i + k]) * v[k];
+    w[i] = fold_mod(acc, m);
+  }
+  x[0] = static_cast<uint32_t>(w[2]), x[1] = static_cast<uint32_t>(w[1]),
+  x[2] = static_cast<uint32_t>(w[0]);
+}
+
+inline double centred(uint32_t x, uint64_t m) {
+  return x > m / 2 ? static_cast<double>(x) - static_cast<double>(m) : static_cast<double>(x);
+}
+
+inline uint32_t canonical(double x, uint64_t m) {
+  return static_cast<uint32_t>(static_cast<int64_t>(x) + (x < 0 ? static_cast<int64_t>(m) : 0));
+}
+
+// p - m round(p / m): |result| <= m/2 + 2 for the products that occur here.
+inline __m256d reduce(__m256d p, __m256d m, __m256d inv) {
+  const __m256d k =
+      _mm256_round_pd(_mm256_mul_pd(p, inv), _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
+  return _mm256_fnmadd_pd(k, m, p);
+}
+
+inline __m256d make_canonical(__m256d x, __m256d m) {
+  return _mm256_add_pd(x, _mm256_and_pd(_mm256_cmp_pd(x, _mm256_setzero_pd(), _CMP_LT_OQ), m));
+}
+
+inline void transpose4(__m256d& r0, __m256d& r1, __m256d& r2, __m256d& r3) {
+  const __m256d t0 = _mm256_unpacklo_pd(r0, r1), t1 = _mm256_unpackhi_pd(r0, r1);
+  const __m256d t2 = _mm256_unpacklo_pd(r2, r3), t3 = _mm256_unpackhi_pd(r2, r3);
+  r0 = _mm256_permute2f128_pd(t0, t2, 0x20);
+  r1 = _mm256_permute2f128_pd(t1, t3, 0x20);
+  r2 = _mm256_permute2f128_pd(t0, t2, 0x31);
+  r3 = _mm256_permute2f128_pd(t1, t3, 0x31);
+}
+
+// Whole blocks of kVectorBlock outputs; returns how many were written.
+template <class T>
+int32_t generate_blocks(MrgState& s, int32_t n, T* r, double a, double scale) {
+  const int32_t blocks = n / kVectorBlock;
+  if (blocks == 0) return 0;
+  // Lane starts of the first block.
+  alignas(32) double h1[3][kLanes], h2[3][kLanes];
+  for (int j = 0; j < kLanes; ++j) {
+    uint32_t y1[3] = {s.x1[0], s.x1[1], s.x1[2]}, y2[3] = {s.x2[0], s.x2[1], s.x2[2]};
+    jump(y1, kJump1[j], kM1);
+    jump(y2, kJump2[j], kM2);
+    for (int h = 0; h < 3; ++h) h1[h][j] = centred(y1[h], kM1), h2[h][j] = centred(y2[h], kM2);
+  }
+  const __m256d m1 = _mm256_set1_pd(double(kM1)), m2 = _mm256_set1_pd(double(kM2));
+  const __m256d inv1 = _mm256_set1_pd(1.0 / double(kM1)), inv2 = _mm256_set1_pd(1.0 / double(kM2));
+  const __m256d c12 = _mm256_set1_pd(double(kA12)), c13 = _mm256_set1_pd(double(kA13));
+  const __m256d c21 = _mm256_set1_pd(double(kA21)), c23 = _mm256_set1_pd(double(kA23));
+  const __m256d va = _mm256_set1_pd(a), vs = _mm256_set1_pd(scale);
+  for (int32_t blk = 0; blk < blocks; ++blk) {
+    T* out = r + static_cast<int64_t>(blk) * kVectorBlock;
+    for (int v = 0; v < 2; ++v) {
+      // Each half of the lanes separately keeps the history in registers.
+      __m256d x1[3], x2[3];
+      for (int h = 0; h < 3; ++h) x1[h] = _mm256_load_pd(&h1[h][4 * v]), x2[h] = _mm256_load_pd(&h2[h][4 * v]);
+      for (int t = 0; t < kSteps; t += 4) {
+        __m256d o[4];
+        for (int q = 0; q < 4; ++q) {
+          const __m256d p1 = reduce(_mm256_fmsub_pd(c12, x1[1], _mm256_mul_pd(c13, x1[0])), m1, inv1);
+          const __m256d p2 = reduce(_mm256_fmsub_pd(c21, x2[2], _mm256_mul_pd(c23, x2[0])), m2, inv2);
+          x1[0] = x1[1], x1[1] = x1[2], x1[2] = p1;
+          x2[0] = x2[1], x2[1] = x2[2], x2[2] = p2;
+          __m256d z = _mm256_sub_pd(make_canonical(p1, m1), make_canonical(p2, m2));
+          z = _mm256_add_pd(z, _mm256_and_pd(_mm256_cmp_pd(z, _mm256_setzero_pd(), _CMP_LE_OQ), m1));
+          o[q] = _mm256_fmadd_pd(z, vs, va);
+        }
+        transpose4(o[0], o[1], o[2], o[3]);
+        for (int c = 0; c < 4; ++c) store4(out + (4 * v + c) * kSteps + t, o[c]);
+      }
+      for (int h = 0; h < 3; ++h) _mm256_store_pd(&h1[h][4 * v], x1[h]), _mm256_store_pd(&h2[h][4 * v], x2[h]);
+    }
+    // The last lane ends where the block ends; every lane then jumps to its
+    // start in the next block.
+    for (int h = 0; h < 3; ++h) {
+      s.x1[h] = canonical(h1[h][kLanes - 1], kM1);
+      s.x2[h] = canonical(h2[h][kLanes - 1], kM2);
+    }
+    if (blk + 1 == blocks) break;
+    for (int j = 0; j < kLanes; ++j) {
+      uint32_t y1[3], y2[3];
+      for (int h = 0; h < 3; ++h) y1[h] = canonical(h1[h][j], kM1), y2[h] = canonical(h2[h][j], kM2);
+      jump(y1, kJump1[kLanes - 1], kM1);
+      jump(y2, kJump2[kLanes - 1], kM2);
+      for (int h = 0; h < 3; ++h) h1[h][j] = centred(y1[h], kM1), h2[h][j] = centred(y2[h], kM2);
+    }
+  }
+  return blocks * kVectorBlock;
+}
+
 template <class T>
 int32_t generate(StreamState* stream, int32_t n, T* r, double a, double b) {
   MrgState& s = *generator_state<MrgState>(stream);
   const double scale = (b - a) * kInvM1;
+  const int32_t done = generate_blocks(s, n, r, a, scale);
+  n -= done;
+  r += done;
   alignas(32) uint32_t w[kBlock];
   for (int32_t i = 0; i < n; i += kBlock) {
     const int32_t m = n - i < kBlock ? n - i : kBlock;
