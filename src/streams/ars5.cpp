@@ -30,14 +30,19 @@ namespace {
 
 template <int N>
 [[gnu::target("aes"), gnu::always_inline]] inline void ars5_rounds(__m128i (&v)[N], __m128i key) {
+  // Fully unrolled so the N blocks stay in registers and interleave.
   const __m128i w = _mm_load_si128(reinterpret_cast<const __m128i*>(_vslARS5Tab));
+#pragma GCC unroll 8
   for (int i = 0; i < N; ++i) v[i] = _mm_xor_si128(v[i], key);
   __m128i k = key;
+#pragma GCC unroll 4
   for (int round = 1; round < 5; ++round) {
     k = _mm_add_epi64(k, w);
+#pragma GCC unroll 8
     for (int i = 0; i < N; ++i) v[i] = _mm_aesenc_si128(v[i], k);
   }
   k = _mm_add_epi64(k, w);
+#pragma GCC unroll 8
   for (int i = 0; i < N; ++i) v[i] = _mm_aesenclast_si128(v[i], k);
 }
 
@@ -58,12 +63,14 @@ template <int N>
   for (; n >= 8; n -= 8, out += 8) {
     __m128i v[8];
     if (low(c) <= ~uint64_t(0) - 8) {
+#pragma GCC unroll 8
       for (int i = 0; i < 8; ++i) v[i] = _mm_add_epi64(c, _mm_set_epi64x(0, i));
       c = _mm_add_epi64(c, _mm_set_epi64x(0, 8));
     } else {
       for (int i = 0; i < 8; ++i) v[i] = c, c = next(c);
     }
     ars5_rounds(v, k);
+#pragma GCC unroll 8
     for (int i = 0; i < 8; ++i) _mm_storeu_si128(out + i, v[i]);
   }
   for (; n > 0; --n, ++out) {
