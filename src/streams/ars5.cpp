@@ -85,6 +85,8 @@ namespace {
 
 struct Ars5 {
   using State = Ars5State;
+  static constexpr int kKeyWords = 4;
+  static int32_t usable() { return cpu_has_aes() ? 0 : VSL_RNG_ERROR_NO_AES; }
   static void blocks(const State& s, const uint32_t ctr[4], std::size_t n, uint32_t* words) {
     _viARS5(s.key, ctr, n, words);
   }
@@ -104,38 +106,23 @@ extern "C" {
 
 int32_t _vslBRngARS5InitStream(int32_t method, StreamState* stream, int32_t n,
                                const uint32_t params[]) {
-  Ars5State& s = state_of(stream);
-  switch (method) {
-    case OXA_INIT_SEED:
-      s = Ars5State{};
-      for (int i = 0; i < 4; ++i) s.key[i] = n > i ? params[i] : 0;
-      for (int i = 0; i < 4; ++i) s.ctr[i] = n > 4 + i ? params[4 + i] : 0;
-      return VSL_STATUS_OK;
-    case OXA_INIT_LEAPFROG:
-      return VSL_RNG_ERROR_NO_LEAPFROG;
-    case OXA_INIT_SKIPAHEAD:
-      if (!cpu_has_aes()) return VSL_RNG_ERROR_NO_AES;
-      Frame::skip(s, read_skip_count(params));
-      return VSL_STATUS_OK;
-    default:
-      return VSL_ERROR_BAD_INIT_METHOD;
-  }
+  return Frame::init(state_of(stream), method, n, params);
 }
 
 int32_t _vsldBRngARS5(StreamState* stream, int32_t n, double r[], double a, double b) {
-  if (!cpu_has_aes()) return VSL_RNG_ERROR_NO_AES;
+  if (const int32_t refused = Ars5::usable(); refused != 0) return refused;
   Frame::reals(state_of(stream), n, r, a, b);
   return VSL_STATUS_OK;
 }
 
 int32_t _vslsBRngARS5(StreamState* stream, int32_t n, float r[], float a, float b) {
-  if (!cpu_has_aes()) return VSL_RNG_ERROR_NO_AES;
+  if (const int32_t refused = Ars5::usable(); refused != 0) return refused;
   Frame::reals(state_of(stream), n, r, a, b);
   return VSL_STATUS_OK;
 }
 
 int32_t _vsliBRngARS5(StreamState* stream, int32_t n, uint32_t r[]) {
-  if (!cpu_has_aes()) return VSL_RNG_ERROR_NO_AES;
+  if (const int32_t refused = Ars5::usable(); refused != 0) return refused;
   if (n > 0) Frame::words(state_of(stream), std::size_t(n), r);
   return VSL_STATUS_OK;
 }

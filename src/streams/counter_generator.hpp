@@ -8,8 +8,12 @@
 //
 // A generator supplies a policy G with
 //   using State = ...;                 // key, then ctr, out, left
+//   static constexpr int kKeyWords;    // seed words that fill the key
+//   static int32_t usable();           // 0, or the status refusing a skip
 //   static void blocks(const State&, const uint32_t ctr[4], size_t nblocks,
 //                      uint32_t* words);  // blocks ctr, ctr+1, ... in order
+// Seeding: key words from the first seeds, then the four counter words;
+// words beyond n are zero, as are out and left.
 // Reals use the centred mapping of word_scaling.hpp through a 1024-word
 // buffer on the stack, so only the caller's array reaches memory.
 #pragma once
@@ -19,6 +23,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "oxa/streams.h"
 #include "streams/word_scaling.hpp"
 
 namespace oxa::streams {
@@ -70,6 +75,28 @@ struct CounterGenerator {
       words(s, m, buffer);
       scale_words<WordMapping::kCentred>(buffer, r + done, m, a, b);
       done += m;
+    }
+  }
+
+  // InitStream: seed (0), leapfrog (refused), skip-ahead (2).
+  static int32_t init(State& s, int32_t method, int32_t n, const uint32_t params[]) {
+    switch (method) {
+      case OXA_INIT_SEED:
+        s = State{};
+        for (int i = 0; i < G::kKeyWords; ++i) s.key[i] = n > i ? params[i] : 0;
+        for (int i = 0; i < 4; ++i) s.ctr[i] = n > G::kKeyWords + i ? params[G::kKeyWords + i] : 0;
+        return VSL_STATUS_OK;
+      case OXA_INIT_LEAPFROG:
+        return VSL_RNG_ERROR_NO_LEAPFROG;
+      case OXA_INIT_SKIPAHEAD: {
+        if (const int32_t refused = G::usable(); refused != 0) return refused;
+        uint64_t nskip;
+        std::memcpy(&nskip, params, sizeof nskip);
+        skip(s, nskip);
+        return VSL_STATUS_OK;
+      }
+      default:
+        return VSL_ERROR_BAD_INIT_METHOD;
     }
   }
 

@@ -96,6 +96,8 @@ void philox_lanes(const uint32_t key[2], const uint32_t c[4], uint32_t* out) {
 
 struct Philox {
   using State = PhiloxState;
+  static constexpr int kKeyWords = 2;
+  static int32_t usable() { return 0; }
   static void blocks(const State& s, const uint32_t ctr[4], std::size_t n, uint32_t* words) {
     uint32_t c[4] = {ctr[0], ctr[1], ctr[2], ctr[3]};
     for (; n >= 16; n -= 16, words += 64) {
@@ -129,21 +131,7 @@ extern "C" {
 
 int32_t _vslBRngPHILOX4X32X10InitStream(int32_t method, StreamState* stream, int32_t n,
                                         const uint32_t params[]) {
-  PhiloxState& s = state_of(stream);
-  switch (method) {
-    case OXA_INIT_SEED:
-      s = PhiloxState{};
-      for (int i = 0; i < 2; ++i) s.key[i] = n > i ? params[i] : 0;
-      for (int i = 0; i < 4; ++i) s.ctr[i] = n > 2 + i ? params[2 + i] : 0;
-      return VSL_STATUS_OK;
-    case OXA_INIT_LEAPFROG:
-      return VSL_RNG_ERROR_NO_LEAPFROG;
-    case OXA_INIT_SKIPAHEAD:
-      Frame::skip(s, read_skip_count(params));
-      return VSL_STATUS_OK;
-    default:
-      return VSL_ERROR_BAD_INIT_METHOD;
-  }
+  return Frame::init(state_of(stream), method, n, params);
 }
 
 int32_t _vsldBRngPHILOX4X32X10(StreamState* stream, int32_t n, double r[], double a,
