@@ -299,3 +299,31 @@ TEST(SaveLoad, FileErrors) {
 }
 
 }  // namespace
+
+namespace {
+
+// Images of the AES and RDRAND generators are refused where the processor
+// lacks the instruction, and nothing is left behind.
+TEST(SaveLoad, ProcessorFeaturesRequiredByImages) {
+  struct Case { int32_t id; bool hide_aes, hide_rdrand; int32_t status; };
+  for (const Case& c : {Case{OXA_BRNG_ARS5, true, false, VSL_RNG_ERROR_NO_AES},
+                        Case{OXA_BRNG_NONDETERM, false, true, VSL_RNG_ERROR_NO_RDRAND}}) {
+    StreamState* s = nullptr;
+    const uint32_t seed = 3;
+    if (_vslNewStreamEx(&s, c.id, 1, &seed) != 0) {  // processor lacks it for real
+      _vslDeleteStream(&s);
+      continue;
+    }
+    const Bytes img = image_of(s);
+    _vslDeleteStream(&s);
+    oxa::streams::cpu_features_hide(c.hide_aes, c.hide_rdrand);
+    StreamState* t = nullptr;
+    EXPECT_EQ(_vslLoadStreamM(&t, reinterpret_cast<const char*>(img.data())), c.status);
+    EXPECT_EQ(t, nullptr);
+    oxa::streams::cpu_features_hide(false, false);
+    EXPECT_EQ(_vslLoadStreamM(&t, reinterpret_cast<const char*>(img.data())), 0);
+    _vslDeleteStream(&t);
+  }
+}
+
+}  // namespace
