@@ -7,7 +7,8 @@
 //   of p, 512 bits at a time) and is applied to S by Horner's rule four
 //   coefficients at a time over a table of the 16 states h(F) S, deg h < 4.
 //   Counts that stay within about 32 blocks regenerate blocks instead.
-// Cost: ~50 squarings and one 19937-step Horner pass for a count of 2^64 - 1.
+// Cost: ~50 squarings and one 19937-step Horner pass for a count of 2^64 - 1;
+//   about 1.2-1.5 ms on the (shared, loaded) development machine.
 #include <immintrin.h>
 
 #include <cstring>
@@ -29,40 +30,80 @@ constexpr uint64_t kBlocksByStepping = 32;  // about one Horner pass of work
 
 using Poly = uint64_t[kProductWords + kSlack];
 
-// dst (bit s onward) ^= the 512-bit chunk held in hp[1..8]; hp[0] and hp[9..12]
-// are zero so the shifted tail words carry only zeros.
-inline void xor_shifted_chunk(uint64_t* dst, const uint64_t* hp, unsigned s) {
-  uint64_t* d = dst + (s >> 6);
-  const __m128i left = _mm_cvtsi32_si128(int(s & 63));
-  const __m128i right = _mm_cvtsi32_si128(int(63 - (s & 63)));
-  for (int i = 0; i < 12; i += 4) {
-    const __m256i lo = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(hp + i));
-    const __m256i hi = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(hp + i + 1));
-    const __m256i v = _mm256_or_si256(_mm256_sll_epi64(hi, left),
-                                      _mm256_srl_epi64(_mm256_srli_epi64(lo, 1), right));
-    __m256i* q = reinterpret_cast<__m256i*>(d + i);
-    _mm256_storeu_si256(q, _mm256_xor_si256(_mm256_loadu_si256(q), v));
+// Folding one 512-bit chunk H at word c >= 312: for the low term k, H lands at
+// bit 64(c - 312) + 31 + k. Relative to word c - 312 the placement depends on k
+// alone, so one table (made at compile time) lists, for each four-word output
+// block j, the terms that reach it: where to read H and by how much to shift.
+// The block's sum is formed in a register and stored once, so no load waits
+// on an overlapping store.
+constexpr int kChunkWords = 8;
+constexpr int kLead = 64 - (kDegree & 63);  // 31: bit offset of x^19937 in a chunk
+constexpr int kFoldBlocks = (kLead + 19314 + 64 * kChunkWords) / 256 + 1;
+
+struct FoldTerm {
+  int8_t word;    // H word feeding the block's first word (may be -4..7)
+  uint8_t shift;  // right shift of the H words at that offset
+};
+struct FoldPlan {
+  FoldTerm term[kFoldBlocks * 8];
+  uint16_t begin[kFoldBlocks + 1];
+};
+constexpr FoldPlan make_fold_plan() {
+  FoldPlan plan{};
+  int n = 0;
+  for (int j = 0; j < kFoldBlocks; ++j) {
+    plan.begin[j] = uint16_t(n);
+    for (int t = 0; t < kTerms; ++t) {
+      const int at = kLead + _vsl_mt19937_poly_terms[t];  // bit where H starts
+      if (at < 256 * (j + 1) && at + 64 * kChunkWords > 256 * j) {
+        const int rel = 256 * j - at;                       // in (-256, 512)
+        const int q = rel >= 0 ? rel / 64 : -((-rel + 63) / 64);  // floor
+        plan.term[n++] = FoldTerm{int8_t(q), uint8_t(rel - 64 * q)};
+      }
+    }
+  }
+  plan.begin[kFoldBlocks] = uint16_t(n);
+  return plan;
+}
+constexpr FoldPlan kFold = make_fold_plan();
+
+// a[c - 312 ...] ^= H * x^(64c - 19937) * (p - x^19937); hp[4..11] = H, the
+// rest of hp zero.
+inline void fold_chunk(uint64_t* a, const uint64_t* hp, int c) {
+  uint64_t* out = a + (c - kPolyWords);
+  for (int j = 0; j < kFoldBlocks; ++j) {
+    __m256i v = _mm256_setzero_si256();
+    for (int i = kFold.begin[j]; i < kFold.begin[j + 1]; ++i) {
+      const FoldTerm f = kFold.term[i];
+      const __m256i w0 = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(hp + 4 + f.word));
+      const __m256i w1 = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(hp + 5 + f.word));
+      v = _mm256_xor_si256(v, _mm256_or_si256(_mm256_srl_epi64(w0, _mm_cvtsi32_si128(f.shift)),
+                                              _mm256_sll_epi64(w1, _mm_cvtsi32_si128(64 - f.shift))));
+    }
+    __m256i* d = reinterpret_cast<__m256i*>(out + 4 * j);
+    _mm256_storeu_si256(d, _mm256_xor_si256(_mm256_loadu_si256(d), v));
   }
 }
 
 // a mod p for a of degree < 2*19937, in place. x^19937 = sum of the low terms,
-// so a 512-bit chunk H at bit P >= 19937 becomes sum_k H x^(P - 19937 + k);
-// the highest low term is 623 below the degree, so a chunk never feeds itself.
+// so a chunk H at bit P >= 19937 becomes sum_k H x^(P - 19937 + k); the
+// highest low term is 623 below the degree, so a 512-bit chunk never feeds
+// itself, and chunks are folded from the top down.
 void reduce(uint64_t* a) {
-  alignas(32) uint64_t hp[13] = {};
-  for (int c = kProductWords - 8; c >= kPolyWords; c -= 8) {
-    std::memcpy(hp + 1, a + c, 8 * sizeof(uint64_t));
-    std::memset(a + c, 0, 8 * sizeof(uint64_t));
-    const unsigned base = unsigned(64 * c - kDegree);
-    for (int t = 0; t < kTerms; ++t) xor_shifted_chunk(a, hp, base + _vsl_mt19937_poly_terms[t]);
+  alignas(32) uint64_t hp[20] = {};
+  for (int c = kProductWords - kChunkWords; c >= kPolyWords; c -= kChunkWords) {
+    std::memcpy(hp + 4, a + c, kChunkWords * sizeof(uint64_t));
+    std::memset(a + c, 0, kChunkWords * sizeof(uint64_t));
+    fold_chunk(a, hp, c);
   }
-  // Bits 19937..19967 of word 311.
+  // Bits 19937..19967 of word 311, one term at a time.
   const uint64_t top = a[kPolyWords - 1] >> (kDegree & 63);
   a[kPolyWords - 1] &= (uint64_t(1) << (kDegree & 63)) - 1;
-  if (top == 0) return;
-  std::memset(hp, 0, sizeof hp);
-  hp[1] = top;
-  for (int t = 0; t < kTerms; ++t) xor_shifted_chunk(a, hp, _vsl_mt19937_poly_terms[t]);
+  for (int t = 0; top != 0 && t < kTerms; ++t) {
+    const unsigned k = _vsl_mt19937_poly_terms[t];
+    a[k >> 6] ^= top << (k & 63);
+    if (k & 63) a[(k >> 6) + 1] ^= top >> (64 - (k & 63));
+  }
 }
 
 void square(const uint64_t* g, uint64_t* out) {
