@@ -67,10 +67,24 @@ struct CounterGenerator {
     }
   }
 
+  // A policy may also convert whole blocks straight from registers:
+  //   template <class Map> static void blocks_reals(const State&, const uint32_t ctr[4],
+  //                                                  size_t nblocks, T* out, const Map&);
   template <class T>
   static void reals(State& s, int32_t n, T* r, T a, T b) {
+    using Map = WordScale<WordMapping::kCentred, T>;
+    std::size_t done = 0, total = n > 0 ? std::size_t(n) : 0;
+    if constexpr (requires(const Map& m) { G::blocks_reals(s, s.ctr, 0, r, m); }) {
+      const Map map(a, b);
+      for (; done < total && buffered(s) > 0; ++done, --s.left) r[done] = map(s.out[4 - s.left]);
+      if (const std::size_t whole = (total - done) / 4; whole > 0) {
+        G::blocks_reals(s, s.ctr, whole, r + done, map);
+        counter_add(s.ctr, whole);
+        done += 4 * whole;
+      }
+    }
     uint32_t buffer[kBufferWords];
-    for (std::size_t done = 0, total = n > 0 ? std::size_t(n) : 0; done < total;) {
+    while (done < total) {
       const std::size_t m = std::min(kBufferWords, total - done);
       words(s, m, buffer);
       scale_words<WordMapping::kCentred>(buffer, r + done, m, a, b);

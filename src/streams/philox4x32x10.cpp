@@ -51,8 +51,9 @@ inline void mulhilo8(__m256i x, __m256i m, __m256i& hi, __m256i& lo) {
 
 // Blocks c, c+1, ..., c+8G-1 when the low counter word does not carry: G
 // independent groups of eight lanes, interleaved to hide the multiply latency.
-template <int G>
-void philox_lanes(const uint32_t key[2], const uint32_t c[4], uint32_t* out) {
+// sink(i, w) receives words 8i .. 8i+7 of the run in one register.
+template <int G, class Sink>
+inline void philox_lanes(const uint32_t key[2], const uint32_t c[4], const Sink& sink) {
   __m256i x0[G], x1[G], x2[G], x3[G];
 #pragma GCC unroll 4
   for (int g = 0; g < G; ++g) {
@@ -86,11 +87,35 @@ void philox_lanes(const uint32_t key[2], const uint32_t c[4], uint32_t* out) {
     const __m256i t2 = _mm256_unpacklo_epi32(x2[g], x3[g]), t3 = _mm256_unpackhi_epi32(x2[g], x3[g]);
     const __m256i b04 = _mm256_unpacklo_epi64(t0, t2), b15 = _mm256_unpackhi_epi64(t0, t2);
     const __m256i b26 = _mm256_unpacklo_epi64(t1, t3), b37 = _mm256_unpackhi_epi64(t1, t3);
-    __m256i* o = reinterpret_cast<__m256i*>(out + 32 * g);
-    _mm256_storeu_si256(o + 0, _mm256_permute2x128_si256(b04, b15, 0x20));
-    _mm256_storeu_si256(o + 1, _mm256_permute2x128_si256(b26, b37, 0x20));
-    _mm256_storeu_si256(o + 2, _mm256_permute2x128_si256(b04, b15, 0x31));
-    _mm256_storeu_si256(o + 3, _mm256_permute2x128_si256(b26, b37, 0x31));
+    sink(4 * g + 0, _mm256_permute2x128_si256(b04, b15, 0x20));
+    sink(4 * g + 1, _mm256_permute2x128_si256(b26, b37, 0x20));
+    sink(4 * g + 2, _mm256_permute2x128_si256(b04, b15, 0x31));
+    sink(4 * g + 3, _mm256_permute2x128_si256(b26, b37, 0x31));
+  }
+}
+
+// Runs the blocks from ctr in sixteens (eights near a carry of the low counter
+// word, single blocks where it carries), handing each register of words to
+// sink_run(words8, index of its first word) and single blocks to sink_one.
+template <class SinkRun, class SinkOne>
+void philox_run(const uint32_t key[2], const uint32_t ctr[4], std::size_t n,
+                const SinkRun& sink_run, const SinkOne& sink_one) {
+  uint32_t c[4] = {ctr[0], ctr[1], ctr[2], ctr[3]};
+  std::size_t word = 0;
+  auto at = [&](int i, __m256i w) { sink_run(w, word + 8 * std::size_t(i)); };
+  while (n > 0) {
+    if (n >= 16 && c[0] <= 0xFFFFFFFFu - 15) {
+      philox_lanes<2>(key, c, at);
+      counter_add(c, 16), n -= 16, word += 64;
+    } else if (n >= 8 && c[0] <= 0xFFFFFFFFu - 7) {
+      philox_lanes<1>(key, c, at);
+      counter_add(c, 8), n -= 8, word += 32;
+    } else {
+      uint32_t block[4];
+      philox_block(key, c, block);
+      sink_one(block, word);
+      counter_add(c, 1), n -= 1, word += 4;
+    }
   }
 }
 
@@ -99,21 +124,22 @@ struct Philox {
   static constexpr int kKeyWords = 2;
   static int32_t usable() { return 0; }
   static void blocks(const State& s, const uint32_t ctr[4], std::size_t n, uint32_t* words) {
-    uint32_t c[4] = {ctr[0], ctr[1], ctr[2], ctr[3]};
-    for (; n >= 16; n -= 16, words += 64) {
-      if (c[0] <= 0xFFFFFFFFu - 15) {
-        philox_lanes<2>(s.key, c, words);
-        counter_add(c, 16);
-      } else {
-        for (int j = 0; j < 16; ++j, counter_add(c, 1)) philox_block(s.key, c, words + 4 * j);
-      }
-    }
-    if (n >= 8 && c[0] <= 0xFFFFFFFFu - 7) {
-      philox_lanes<1>(s.key, c, words);
-      counter_add(c, 8);
-      n -= 8, words += 32;
-    }
-    for (; n > 0; --n, words += 4, counter_add(c, 1)) philox_block(s.key, c, words);
+    philox_run(
+        s.key, ctr, n,
+        [=](__m256i w, std::size_t i) {
+          _mm256_storeu_si256(reinterpret_cast<__m256i*>(words + i), w);
+        },
+        [=](const uint32_t* b, std::size_t i) { std::memcpy(words + i, b, 16); });
+  }
+  // Reals straight from the registers of words, without a word buffer.
+  template <class T, class Map>
+  static void blocks_reals(const State& s, const uint32_t ctr[4], std::size_t n, T* out,
+                           const Map& map) {
+    philox_run(
+        s.key, ctr, n, [&](__m256i w, std::size_t i) { map.eight(out + i, w); },
+        [&](const uint32_t* b, std::size_t i) {
+          for (int j = 0; j < 4; ++j) out[i + std::size_t(j)] = map(b[j]);
+        });
   }
 };
 

@@ -79,23 +79,30 @@ inline void convert8(float* out, __m256i w, float offset, float scale) {
 
 }  // namespace scaling_detail
 
+// The mapping of one call: r = offset + scale * word value.
+template <WordMapping M, class T>
+struct WordScale {
+  T offset, scale;
+  WordScale(T a, T b)
+      : offset(M == WordMapping::kCentred ? (a + b) * static_cast<T>(0.5) : a),
+        scale((b - a) * static_cast<T>(0x1p-32)) {}
+  T operator()(uint32_t w) const { return offset + scale * scaling_detail::word_value<T, M>(w); }
+  // Eight words to out[0..7] (unaligned stores).
+  void eight(T* out, __m256i w) const { scaling_detail::convert8<M>(out, w, offset, scale); }
+};
+
 // Writes out[i] for i < n from words[i]; see the header comment for aliasing.
 template <WordMapping M, class T>
 void scale_words(const uint32_t* words, T* out, std::size_t n, T a, T b) {
-  using namespace scaling_detail;
-  const T scale = (b - a) * static_cast<T>(0x1p-32);
-  const T offset = M == WordMapping::kCentred ? (a + b) * static_cast<T>(0.5) : a;
+  const WordScale<M, T> map(a, b);
   std::size_t i = 0;
   for (; i < n && (reinterpret_cast<uintptr_t>(out + i) & 31) != 0; ++i) {
-    out[i] = offset + scale * word_value<T, M>(load_word(words, i));
+    out[i] = map(scaling_detail::load_word(words, i));
   }
   for (; i + 8 <= n; i += 8) {
-    const __m256i w = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(words + i));
-    convert8<M>(out + i, w, offset, scale);
+    map.eight(out + i, _mm256_loadu_si256(reinterpret_cast<const __m256i*>(words + i)));
   }
-  for (; i < n; ++i) {
-    out[i] = offset + scale * word_value<T, M>(load_word(words, i));
-  }
+  for (; i < n; ++i) out[i] = map(scaling_detail::load_word(words, i));
 }
 
 }  // namespace oxa::streams

@@ -175,20 +175,27 @@ TEST(CounterGenerators, LeapfrogAndUnknownMethodsRefused) {
   }
 }
 
+// Reals are the centred words, whatever is buffered and across counter carries.
 TEST(CounterGenerators, RealsAreCentredWords) {
   for (const Kind& k : kKinds) {
     if (!runnable(k)) continue;
-    Stream ints(k.id, {5, 6}), reals(k.id, {5, 6}), singles(k.id, {5, 6});
-    const Words w = ints.words(k, 3001);
-    std::vector<double> d(3001);
-    std::vector<float> f(3001);
-    const auto& row_d = k.id == OXA_BRNG_ARS5 ? _vsldBRngARS5 : _vsldBRngPHILOX4X32X10;
-    const auto& row_s = k.id == OXA_BRNG_ARS5 ? _vslsBRngARS5 : _vslsBRngPHILOX4X32X10;
-    ASSERT_EQ(row_d(reals.s, 3001, d.data(), -1.0, 4.0), 0);
-    ASSERT_EQ(row_s(singles.s, 3001, f.data(), -1.0f, 4.0f), 0);
-    for (size_t i = 0; i < w.size(); ++i) {
-      ASSERT_EQ(d[i], 1.5 + 5.0 * 0x1p-32 * double(int32_t(w[i])));
-      ASSERT_EQ(f[i], 1.5f + 5.0f * 0x1p-32f * float(int32_t(w[i])));
+    for (size_t consumed : {0u, 1u, 3u}) {
+      const Words seeds = seeds_for(k, kSeedings[4]);
+      Stream ints(k.id, seeds), reals(k.id, seeds), singles(k.id, seeds);
+      ints.words(k, consumed), reals.words(k, consumed), singles.words(k, consumed);
+      const size_t n = 3001;
+      const Words w = ints.words(k, n);
+      std::vector<double> d(n);
+      std::vector<float> f(n);
+      const auto gen_d = k.id == OXA_BRNG_ARS5 ? _vsldBRngARS5 : _vsldBRngPHILOX4X32X10;
+      const auto gen_s = k.id == OXA_BRNG_ARS5 ? _vslsBRngARS5 : _vslsBRngPHILOX4X32X10;
+      ASSERT_EQ(gen_d(reals.s, int32_t(n), d.data(), -1.0, 4.0), 0);
+      ASSERT_EQ(gen_s(singles.s, int32_t(n), f.data(), -1.0f, 4.0f), 0);
+      for (size_t i = 0; i < n; ++i) {
+        ASSERT_EQ(d[i], 1.5 + 5.0 * 0x1p-32 * double(int32_t(w[i]))) << k.name << " " << i;
+        ASSERT_EQ(f[i], 1.5f + 5.0f * 0x1p-32f * float(int32_t(w[i]))) << k.name << " " << i;
+      }
+      EXPECT_EQ(reals.words(k, 5), ints.words(k, 5));
     }
   }
 }
