@@ -3,7 +3,8 @@
 //          key + j*w (j = 1..5), w = (0x9E3779B97F4A7C15, 0xBB67AE8584CAA73B)
 //          added to the key's two 64-bit halves (_vslARS5Tab).
 // Seeding: key words = seed[0..3], counter words = seed[4..7]; absent words 0.
-// Vector:  eight blocks in flight to cover the latency of aesenc.
+// Vector:  eight blocks in flight to cover the latency of aesenc; reals are
+//          converted straight from the block registers.
 // Reals:   centred mapping (a + b)/2 + (b - a)*2^-32*x of the signed word x.
 // Without AES, generation and skip-ahead return -1140 and change nothing.
 #include <immintrin.h>
@@ -48,9 +49,11 @@ template <int N>
 
 }  // namespace
 
-// The raw word kernel: blocks ctr, ctr+1, ... (n of them) into words.
-[[gnu::target("aes")]] void _viARS5(const uint32_t key[4], const uint32_t ctr[4], std::size_t n,
-                                    uint32_t* words) {
+// Blocks ctr, ctr+1, ... (n of them): eights go to sink8(v, index of the first
+// word) as eight registers, the rest one by one to sink1(v, index).
+template <class Sink8, class Sink1>
+[[gnu::target("aes")]] void ars5_run(const uint32_t key[4], const uint32_t ctr[4], std::size_t n,
+                                     const Sink8& sink8, const Sink1& sink1) {
   const __m128i k = _mm_loadu_si128(reinterpret_cast<const __m128i*>(key));
   __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(ctr));
   const __m128i one = _mm_set_epi64x(0, 1);
@@ -59,8 +62,8 @@ template <int N>
     const __m128i sum = _mm_add_epi64(x, one);
     return low(sum) == 0 ? _mm_add_epi64(sum, _mm_set_epi64x(1, 0)) : sum;
   };
-  __m128i* out = reinterpret_cast<__m128i*>(words);
-  for (; n >= 8; n -= 8, out += 8) {
+  std::size_t word = 0;
+  for (; n >= 8; n -= 8, word += 32) {
     __m128i v[8];
     if (low(c) <= ~uint64_t(0) - 8) {
 #pragma GCC unroll 8
@@ -70,15 +73,44 @@ template <int N>
       for (int i = 0; i < 8; ++i) v[i] = c, c = next(c);
     }
     ars5_rounds(v, k);
-#pragma GCC unroll 8
-    for (int i = 0; i < 8; ++i) _mm_storeu_si128(out + i, v[i]);
+    sink8(v, word);
   }
-  for (; n > 0; --n, ++out) {
+  for (; n > 0; --n, word += 4) {
     __m128i v[1] = {c};
     c = next(c);
     ars5_rounds(v, k);
-    _mm_storeu_si128(out, v[0]);
+    sink1(v[0], word);
   }
+}
+
+// The raw word kernel: blocks ctr, ctr+1, ... (n of them) into words.
+[[gnu::target("aes")]] void _viARS5(const uint32_t key[4], const uint32_t ctr[4], std::size_t n,
+                                    uint32_t* words) {
+  auto* out = reinterpret_cast<__m128i*>(words);
+  ars5_run(
+      key, ctr, n,
+      [=](const __m128i(&v)[8], std::size_t w) {
+#pragma GCC unroll 8
+        for (int i = 0; i < 8; ++i) _mm_storeu_si128(out + w / 4 + i, v[i]);
+      },
+      [=](__m128i v, std::size_t w) { _mm_storeu_si128(out + w / 4, v); });
+}
+
+// Reals straight from the block registers.
+template <class T, class Map>
+[[gnu::target("aes")]] void ars5_reals(const uint32_t key[4], const uint32_t ctr[4],
+                                       std::size_t n, T* out, const Map& map) {
+  ars5_run(
+      key, ctr, n,
+      [&](const __m128i(&v)[8], std::size_t w) {
+#pragma GCC unroll 4
+        for (int i = 0; i < 4; ++i) map.eight(out + w + 8 * i, _mm256_set_m128i(v[2 * i + 1], v[2 * i]));
+      },
+      [&](__m128i v, std::size_t w) {
+        alignas(16) uint32_t b[4];
+        _mm_store_si128(reinterpret_cast<__m128i*>(b), v);
+        for (int j = 0; j < 4; ++j) out[w + std::size_t(j)] = map(b[j]);
+      });
 }
 
 namespace {
@@ -89,6 +121,11 @@ struct Ars5 {
   static int32_t usable() { return cpu_has_aes() ? 0 : VSL_RNG_ERROR_NO_AES; }
   static void blocks(const State& s, const uint32_t ctr[4], std::size_t n, uint32_t* words) {
     _viARS5(s.key, ctr, n, words);
+  }
+  template <class T, class Map>
+  static void blocks_reals(const State& s, const uint32_t ctr[4], std::size_t n, T* out,
+                           const Map& map) {
+    ars5_reals(s.key, ctr, n, out, map);
   }
 };
 
