@@ -182,7 +182,6 @@ constexpr int kWindowBits = 4;
 // acc = g(F) S for the state S whose words are start[0..623].
 void apply_poly(const uint64_t* g, const uint32_t* start, Window& acc) {
   // table[h] = h(F) S for every h of degree < kWindowBits.
-  static_assert(kWindowBits == 4);
   uint32_t table[1 << kWindowBits][kMtWords];
   Window power;
   std::memcpy(power.w, start, sizeof power.w);
@@ -202,7 +201,9 @@ void apply_poly(const uint64_t* g, const uint32_t* start, Window& acc) {
   bool started = false;
   for (int c = (kDegree + kWindowBits - 1) / kWindowBits - 1; c >= 0; --c) {
     const int bit = c * kWindowBits;
-    const unsigned h = unsigned(g[bit >> 6] >> (bit & 63)) & ((1u << kWindowBits) - 1);
+    uint64_t bits = g[bit >> 6] >> (bit & 63);
+    if ((bit & 63) > 64 - kWindowBits) bits |= g[(bit >> 6) + 1] << (64 - (bit & 63));
+    const unsigned h = unsigned(bits) & ((1u << kWindowBits) - 1);
     if (started) {
       for (int j = 0; j < kWindowBits; ++j) acc.step();
     }
