@@ -80,10 +80,11 @@ int32_t _vslDeleteChunks(StreamState* stream) {
 }
 
 // Copies reach the destination in reverse order (each is pushed at the head).
+// Shared data is referenced again, private data copied.
 int32_t _vslCopyChunks(StreamState* destination, const StreamState* source) {
   for (const StreamChunk* s = source->chunks; s; s = s->next) {
-    void* data = s->data;
-    const bool shared = !key_is_zero(s->key) && table_contains(s->key);
+    void* data = nullptr;
+    const bool shared = acquire_shared(s->key, &data);
     if (!shared && s->data != nullptr && s->size > 0) {
       data = oxa_serv_allocate(s->size, kBlockAlignment);
       if (data == nullptr) {
@@ -91,16 +92,26 @@ int32_t _vslCopyChunks(StreamState* destination, const StreamState* source) {
         return VSL_ERROR_NO_MEMORY;
       }
       std::memcpy(data, s->data, s->size);
-    } else if (!shared) {
-      data = nullptr;
     }
-    StreamChunk* c = new_chunk_record(s->id, s->key, data, s->size);
+    StreamChunk* c = new_chunk_record(s->id, shared ? nullptr : s->key, data, s->size);
     if (c == nullptr) {
-      if (!shared) oxa_serv_deallocate(data);
+      if (shared) {
+        _vslUnregisterGlobRODataReference(s->key);
+      } else {
+        oxa_serv_deallocate(data);
+      }
       _vslDeleteChunks(destination);
       return VSL_ERROR_NO_MEMORY;
     }
-    link_new_chunk(destination, c);
+    if (shared) {
+      // Already referenced: link without a second lookup.
+      c->key[0] = s->key[0];
+      c->key[1] = s->key[1];
+      c->next = destination->chunks;
+      destination->chunks = c;
+    } else if (link_new_chunk(destination, c)) {
+      oxa_serv_deallocate(data);  // another stream shared the key meanwhile
+    }
   }
   return 0;
 }

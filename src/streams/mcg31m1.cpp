@@ -21,6 +21,7 @@ struct Mcg31State {
   uint32_t x;
   uint32_t a;
 };
+static_assert(sizeof(StreamState) + sizeof(Mcg31State) == 24, "StateBytes of the registry row");
 
 inline uint32_t mul_mod(uint32_t x, uint32_t y) {
   uint64_t p = uint64_t{x} * y;

@@ -23,6 +23,7 @@ struct Mcg59State {
   uint64_t x;
   uint64_t a;
 };
+static_assert(sizeof(StreamState) + sizeof(Mcg59State) == 32, "StateBytes of the registry row");
 
 inline __m256i mul_mod(__m256i x, __m256i y_lo, __m256i y_hi) {
   const __m256i ll = _mm256_mul_epu32(x, y_lo);

@@ -8,7 +8,8 @@
 // matrix to the skip count.
 // Vector form (blocks of 1024): eight lanes each make 128 consecutive outputs
 // of the block, starting from the state jumped ahead by 0, 128, ..., 896 steps
-// with precomputed matrix powers. Lanes keep their words as doubles in the
+// with precomputed matrix powers (applied in doubles, the matrix entries split
+// into 16-bit halves, so lanes never leave the vector registers). Lanes keep their words as doubles in the
 // centred range |x| <= m/2 + 2 (p - m round(p/m)), so every product and the
 // recurrence stay exact below 2^53 without range corrections; words are made
 // canonical only for the output. Four steps are transposed into four
@@ -36,6 +37,7 @@ struct MrgState {
   uint32_t x1[3];  // x1(n-3), x1(n-2), x1(n-1)
   uint32_t x2[3];
 };
+static_assert(sizeof(StreamState) + sizeof(MrgState) == 40, "StateBytes of the registry row");
 
 // Produces n output words z into w and advances the state.
 inline void words(MrgState& s, int32_t n, uint32_t* w) {
@@ -93,26 +95,29 @@ constexpr std::array<Matrix, kLanes> make_jumps() {
 constexpr auto kJump1 = make_jumps<kM1, kA12, kA13, true>();
 constexpr auto kJump2 = make_jumps<kM2, kA21, kA23, false>();
 
-// v mod m for m = 2^32 - c by folding the high part (c = 209 or 22853).
-inline uint64_t fold_mod(unsigned __int128 v, uint64_t m) {
-  const uint64_t c = (uint64_t{1} << 32) - m;
-  while (v >> 32) v = (v >> 32) * c + (v & 0xFFFFFFFFu);
-  const uint64_t r = static_cast<uint64_t>(v);
-  return r >= m ? r - m : r;
-}
+// Jump matrices split into 16-bit halves (entry = hi 2^16 + lo) as doubles,
+// laid out per lane for vector loads. Products of a half with a centred word
+// stay below 2^47, so the vector jump is exact.
+struct SplitJump {
+  alignas(32) double hi[9][kLanes];
+  alignas(32) double lo[9][kLanes];
+};
 
-// (x(n-3), x(n-2), x(n-1)) -> the same words after the jump M.
-inline void jump(uint32_t x[3], const Matrix& j, uint64_t m) {
-  const uint64_t v[3] = {x[2], x[1], x[0]};
-  uint64_t w[3];
-  for (int i = 0; i < 3; ++i) {
-    unsigned __int128 acc = 0;
-    for (int k = 0; k < 3; ++k) acc += static_cast<unsigned __int128>(j[3 * i + k]) * v[k];
-    w[i] = fold_mod(acc, m);
+// Lane j gets jumps[j] (lane starts), or every lane gets jumps[kLanes - 1]
+// (from a lane's end to its start in the next block).
+constexpr SplitJump split(const std::array<Matrix, kLanes>& jumps, bool same_for_all) {
+  SplitJump s{};
+  for (int j = 0; j < kLanes; ++j) {
+    const Matrix& m = jumps[same_for_all ? kLanes - 1 : j];
+    for (int e = 0; e < 9; ++e) {
+      s.hi[e][j] = static_cast<double>(m[e] >> 16);
+      s.lo[e][j] = static_cast<double>(m[e] & 0xFFFF);
+    }
   }
-  x[0] = static_cast<uint32_t>(w[2]), x[1] = static_cast<uint32_t>(w[1]),
-  x[2] = static_cast<uint32_t>(w[0]);
+  return s;
 }
+constexpr SplitJump kStart1 = split(kJump1, false), kNext1 = split(kJump1, true);
+constexpr SplitJump kStart2 = split(kJump2, false), kNext2 = split(kJump2, true);
 
 inline double centred(uint32_t x, uint64_t m) {
   return x > m / 2 ? static_cast<double>(x) - static_cast<double>(m) : static_cast<double>(x);
@@ -133,6 +138,24 @@ inline __m256d make_canonical(__m256d x, __m256d m) {
   return _mm256_add_pd(x, _mm256_and_pd(_mm256_cmp_pd(x, _mm256_setzero_pd(), _CMP_LT_OQ), m));
 }
 
+// Applies a split jump to lanes 4v..4v+3 of the history (x(n-3), x(n-2),
+// x(n-1)); the matrices act on (x(n-1), x(n-2), x(n-3)).
+inline void jump_lanes(__m256d& x0, __m256d& x1, __m256d& x2, const SplitJump& j, int v,
+                       __m256d m, __m256d inv) {
+  const __m256d in[3] = {x2, x1, x0};
+  __m256d out[3];
+  for (int i = 0; i < 3; ++i) {
+    __m256d hi = _mm256_mul_pd(_mm256_load_pd(&j.hi[3 * i][4 * v]), in[0]);
+    __m256d lo = _mm256_mul_pd(_mm256_load_pd(&j.lo[3 * i][4 * v]), in[0]);
+    for (int k = 1; k < 3; ++k) {
+      hi = _mm256_fmadd_pd(_mm256_load_pd(&j.hi[3 * i + k][4 * v]), in[k], hi);
+      lo = _mm256_fmadd_pd(_mm256_load_pd(&j.lo[3 * i + k][4 * v]), in[k], lo);
+    }
+    out[i] = reduce(_mm256_fmadd_pd(reduce(hi, m, inv), _mm256_set1_pd(65536.0), lo), m, inv);
+  }
+  x0 = out[2], x1 = out[1], x2 = out[0];
+}
+
 inline void transpose4(__m256d& r0, __m256d& r1, __m256d& r2, __m256d& r3) {
   const __m256d t0 = _mm256_unpacklo_pd(r0, r1), t1 = _mm256_unpackhi_pd(r0, r1);
   const __m256d t2 = _mm256_unpacklo_pd(r2, r3), t3 = _mm256_unpackhi_pd(r2, r3);
@@ -147,55 +170,59 @@ template <class T>
 int32_t generate_blocks(MrgState& s, int32_t n, T* r, double a, double scale) {
   const int32_t blocks = n / kVectorBlock;
   if (blocks == 0) return 0;
-  // Lane starts of the first block.
-  alignas(32) double h1[3][kLanes], h2[3][kLanes];
-  for (int j = 0; j < kLanes; ++j) {
-    uint32_t y1[3] = {s.x1[0], s.x1[1], s.x1[2]}, y2[3] = {s.x2[0], s.x2[1], s.x2[2]};
-    jump(y1, kJump1[j], kM1);
-    jump(y2, kJump2[j], kM2);
-    for (int h = 0; h < 3; ++h) h1[h][j] = centred(y1[h], kM1), h2[h][j] = centred(y2[h], kM2);
-  }
   const __m256d m1 = _mm256_set1_pd(double(kM1)), m2 = _mm256_set1_pd(double(kM2));
   const __m256d inv1 = _mm256_set1_pd(1.0 / double(kM1)), inv2 = _mm256_set1_pd(1.0 / double(kM2));
   const __m256d c12 = _mm256_set1_pd(double(kA12)), c13 = _mm256_set1_pd(double(kA13));
   const __m256d c21 = _mm256_set1_pd(double(kA21)), c23 = _mm256_set1_pd(double(kA23));
   const __m256d va = _mm256_set1_pd(a), vs = _mm256_set1_pd(scale);
+  // All lanes advance together: kVecs independent chains hide the latency of
+  // each step. Every lane starts from the state, jumped to its place.
+  constexpr int kVecs = kLanes / 4;
+  __m256d x1[3][kVecs], x2[3][kVecs];
+  for (int v = 0; v < kVecs; ++v) {
+    for (int h = 0; h < 3; ++h) {
+      x1[h][v] = _mm256_set1_pd(centred(s.x1[h], kM1));
+      x2[h][v] = _mm256_set1_pd(centred(s.x2[h], kM2));
+    }
+    jump_lanes(x1[0][v], x1[1][v], x1[2][v], kStart1, v, m1, inv1);
+    jump_lanes(x2[0][v], x2[1][v], x2[2][v], kStart2, v, m2, inv2);
+  }
   for (int32_t blk = 0; blk < blocks; ++blk) {
     T* out = r + static_cast<int64_t>(blk) * kVectorBlock;
-    for (int v = 0; v < 2; ++v) {
-      // Each half of the lanes separately keeps the history in registers.
-      __m256d x1[3], x2[3];
-      for (int h = 0; h < 3; ++h) x1[h] = _mm256_load_pd(&h1[h][4 * v]), x2[h] = _mm256_load_pd(&h2[h][4 * v]);
-      for (int t = 0; t < kSteps; t += 4) {
-        __m256d o[4];
-        for (int q = 0; q < 4; ++q) {
-          const __m256d p1 = reduce(_mm256_fmsub_pd(c12, x1[1], _mm256_mul_pd(c13, x1[0])), m1, inv1);
-          const __m256d p2 = reduce(_mm256_fmsub_pd(c21, x2[2], _mm256_mul_pd(c23, x2[0])), m2, inv2);
-          x1[0] = x1[1], x1[1] = x1[2], x1[2] = p1;
-          x2[0] = x2[1], x2[1] = x2[2], x2[2] = p2;
+    for (int t = 0; t < kSteps; t += 4) {
+      __m256d o[kVecs][4];
+      for (int q = 0; q < 4; ++q) {
+        for (int v = 0; v < kVecs; ++v) {
+          const __m256d p1 =
+              reduce(_mm256_fmsub_pd(c12, x1[1][v], _mm256_mul_pd(c13, x1[0][v])), m1, inv1);
+          const __m256d p2 =
+              reduce(_mm256_fmsub_pd(c21, x2[2][v], _mm256_mul_pd(c23, x2[0][v])), m2, inv2);
+          x1[0][v] = x1[1][v], x1[1][v] = x1[2][v], x1[2][v] = p1;
+          x2[0][v] = x2[1][v], x2[1][v] = x2[2][v], x2[2][v] = p2;
           __m256d z = _mm256_sub_pd(make_canonical(p1, m1), make_canonical(p2, m2));
           z = _mm256_add_pd(z, _mm256_and_pd(_mm256_cmp_pd(z, _mm256_setzero_pd(), _CMP_LE_OQ), m1));
-          o[q] = _mm256_fmadd_pd(z, vs, va);
+          o[v][q] = _mm256_fmadd_pd(z, vs, va);
         }
-        transpose4(o[0], o[1], o[2], o[3]);
-        for (int c = 0; c < 4; ++c) store4(out + (4 * v + c) * kSteps + t, o[c]);
       }
-      for (int h = 0; h < 3; ++h) _mm256_store_pd(&h1[h][4 * v], x1[h]), _mm256_store_pd(&h2[h][4 * v], x2[h]);
+      for (int v = 0; v < kVecs; ++v) {
+        transpose4(o[v][0], o[v][1], o[v][2], o[v][3]);
+        for (int c = 0; c < 4; ++c) store4(out + (4 * v + c) * kSteps + t, o[v][c]);
+      }
     }
-    // The last lane ends where the block ends; every lane then jumps to its
-    // start in the next block.
-    for (int h = 0; h < 3; ++h) {
-      s.x1[h] = canonical(h1[h][kLanes - 1], kM1);
-      s.x2[h] = canonical(h2[h][kLanes - 1], kM2);
+    if (blk + 1 < blocks) {
+      for (int v = 0; v < kVecs; ++v) {
+        jump_lanes(x1[0][v], x1[1][v], x1[2][v], kNext1, v, m1, inv1);
+        jump_lanes(x2[0][v], x2[1][v], x2[2][v], kNext2, v, m2, inv2);
+      }
     }
-    if (blk + 1 == blocks) break;
-    for (int j = 0; j < kLanes; ++j) {
-      uint32_t y1[3], y2[3];
-      for (int h = 0; h < 3; ++h) y1[h] = canonical(h1[h][j], kM1), y2[h] = canonical(h2[h][j], kM2);
-      jump(y1, kJump1[kLanes - 1], kM1);
-      jump(y2, kJump2[kLanes - 1], kM2);
-      for (int h = 0; h < 3; ++h) h1[h][j] = centred(y1[h], kM1), h2[h][j] = centred(y2[h], kM2);
-    }
+  }
+  // The last lane ends where the last block ends.
+  for (int h = 0; h < 3; ++h) {
+    alignas(32) double w1[4], w2[4];
+    _mm256_store_pd(w1, x1[h][kVecs - 1]);
+    _mm256_store_pd(w2, x2[h][kVecs - 1]);
+    s.x1[h] = canonical(w1[3], kM1);
+    s.x2[h] = canonical(w2[3], kM2);
   }
   return blocks * kVectorBlock;
 }

@@ -15,10 +15,8 @@ uint64_t mul_mod_m31(uint64_t x, uint64_t y) {
   return p >= kM31 ? p - kM31 : p;
 }
 
-// (x * y) mod m for x, y < m <= 2^32.
-uint64_t mul_mod(uint64_t x, uint64_t y, uint64_t m) {
-  return static_cast<uint64_t>((static_cast<unsigned __int128>(x) * y) % m);
-}
+// (x * y) mod m for x, y < m <= 2^32: the product fits 64 bits.
+uint64_t mul_mod(uint64_t x, uint64_t y, uint64_t m) { return x * y % m; }
 
 }  // namespace
 

@@ -21,7 +21,7 @@ struct R250State {
   int32_t i;
   int32_t j;
 };
-static_assert(sizeof(StreamState) + sizeof(R250State) <= 1024);
+static_assert(sizeof(StreamState) + sizeof(R250State) == 1024, "StateBytes of the registry row");
 
 void words(R250State& s, int32_t n, uint32_t* out) {
   if (n < kLong) {

@@ -46,35 +46,70 @@ bool table_contains(const uint64_t key[2]) {
   return found;
 }
 
-void release_chunk_data(StreamChunk* chunk) {
-  if (key_is_zero(chunk->key) || !table_contains(chunk->key)) {
-    oxa_serv_deallocate(chunk->data);
-    return;
-  }
-  _vslUnregisterGlobRODataReference(chunk->key);
+// Drops one reference to the entry at index i; the last one frees the
+// entry's data and moves the last entry into its place. Caller holds the lock.
+static void drop_reference_locked(int32_t i) {
+  GlobRODataTableEntry& e = GlobRODataTable[i];
+  if (e.refs-- != 1) return;
+  oxa_serv_deallocate(e.data);
+  const int32_t last = GlobRODataTableCount - 1;
+  set_count(last);
+  if (i != last) e = GlobRODataTable[last];
 }
 
-void link_new_chunk(StreamState* stream, StreamChunk* chunk) {
-  const bool keyed = !key_is_zero(chunk->key);
-  if (keyed && table_contains(chunk->key)) {
-    _vslRegisterGlobRODataReference(chunk, chunk->key);
-  } else if (keyed && table_count_unlocked() < kGlobRODataTableSize - 1) {
-    // Deliberately 127 outside the lock and 128 inside it.
+// Looking a key up and acting on the result happen in one critical section,
+// so that streams sharing a key may be created and deleted on different
+// threads at once.
+void release_chunk_data(StreamChunk* chunk) {
+  if (!key_is_zero(chunk->key)) {
     lock_table();
-    if (GlobRODataTableCount < kGlobRODataTableSize) {
+    const int32_t i = find_locked(chunk->key);
+    if (i >= 0) drop_reference_locked(i);
+    unlock_table();
+    if (i >= 0) return;  // the data was the table's
+  }
+  oxa_serv_deallocate(chunk->data);
+}
+
+bool acquire_shared(const uint64_t key[2], void** data) {
+  if (key_is_zero(key)) return false;
+  lock_table();
+  const int32_t i = find_locked(key);
+  if (i >= 0) {
+    GlobRODataTable[i].refs += 1;
+    *data = GlobRODataTable[i].data;
+  }
+  unlock_table();
+  return i >= 0;
+}
+
+bool link_new_chunk(StreamState* stream, StreamChunk* chunk) {
+  bool swapped = false;
+  if (!key_is_zero(chunk->key)) {
+    // Deliberately 127 for the count read without the lock, 128 under it.
+    const bool room = table_count_unlocked() < kGlobRODataTableSize - 1;
+    bool shared = false;
+    lock_table();
+    const int32_t i = find_locked(chunk->key);
+    if (i >= 0) {
+      GlobRODataTable[i].refs += 1;
+      chunk->data = GlobRODataTable[i].data;
+      shared = swapped = true;
+    } else if (room && GlobRODataTableCount < kGlobRODataTableSize) {
       GlobRODataTableEntry& e = GlobRODataTable[GlobRODataTableCount];
       e.key[0] = chunk->key[0];
       e.key[1] = chunk->key[1];
       e.refs = 1;
       e.data = chunk->data;
       set_count(GlobRODataTableCount + 1);
+      shared = true;
     }
     unlock_table();
-  } else if (table_count_unlocked() >= kGlobRODataTableSize - 1) {
-    chunk->key[0] = chunk->key[1] = 0;  // the table is full: data stays private
+    if (!shared) chunk->key[0] = chunk->key[1] = 0;  // table full: the data stays private
   }
   chunk->next = stream->chunks;
   stream->chunks = chunk;
+  return swapped;
 }
 
 }  // namespace oxa::streams
@@ -125,15 +160,7 @@ int32_t _vslRegisterGlobRODataReference(StreamChunk* holder, const uint64_t key[
 int32_t _vslUnregisterGlobRODataReference(const uint64_t key[2]) {
   lock_table();
   const int32_t i = find_locked(key);
-  if (i >= 0) {
-    GlobRODataTableEntry& e = GlobRODataTable[i];
-    if (e.refs-- == 1) {
-      oxa_serv_deallocate(e.data);
-      const int32_t last = GlobRODataTableCount - 1;
-      set_count(last);
-      if (i != last) e = GlobRODataTable[last];
-    }
-  }
+  if (i >= 0) drop_reference_locked(i);
   unlock_table();
   return 0;
 }

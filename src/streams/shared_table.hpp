@@ -1,6 +1,5 @@
 // The process-wide table of read-only data that streams share by reference
 // count (128 entries kept packed at the front), guarded by one spin lock.
-// A lookup and the update that follows it are separate critical sections.
 #pragma once
 
 #include <atomic>
@@ -32,8 +31,15 @@ bool table_contains(const uint64_t key[2]);
 // data. Does not free the chunk record itself.
 void release_chunk_data(StreamChunk* chunk);
 
-// Steps 2 to 5 of adding a chunk: share or register the data, then push the
-// (already filled) chunk at the head of the stream's list.
-void link_new_chunk(StreamState* stream, StreamChunk* chunk);
+// If the key is in the table: takes a reference, stores the entry's data in
+// *data and returns true.
+bool acquire_shared(const uint64_t key[2], void** data);
+
+// The second half of adding a chunk: if its key is in the table the chunk
+// takes a reference and the table's data (returns true: the chunk's own
+// buffer is no longer referenced); otherwise the key and data become a new
+// entry while fewer than 127 are in use, or else the key is zeroed and the
+// data stays private. Then the chunk is pushed at the head of the list.
+bool link_new_chunk(StreamState* stream, StreamChunk* chunk);
 
 }  // namespace oxa::streams

@@ -61,7 +61,9 @@ int32_t _vslCopyStream(StreamState** handle, const StreamState* source) {
   if (copy == nullptr) return VSL_ERROR_NO_MEMORY;
   oxa_serv_memcpy_s(copy, bytes, source, bytes);
   copy->chunks = nullptr;
-  return _vslCopyChunks(copy, source);
+  const int32_t status = _vslCopyChunks(copy, source);
+  if (status != 0) _vslDeleteStream(handle);  // no half-built copy: the handle gets null
+  return status;
 }
 
 // Copies only the seed words (WordBytes x SeedCount bytes, bounded by the

@@ -26,6 +26,7 @@ struct WhState {
   uint32_t x[4];
   uint32_t a[4];
 };
+static_assert(sizeof(StreamState) + sizeof(WhState) == 48, "StateBytes of the registry row");
 
 inline uint32_t step(uint32_t x, uint32_t a, uint32_t m) {
   return static_cast<uint32_t>(uint64_t{x} * a % m);

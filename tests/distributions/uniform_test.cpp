@@ -133,6 +133,17 @@ TEST(Uniform, UniformBitsTables) {
   }
 }
 
+TEST(Uniform, LegacyQuasiRandomRowsHaveNoUniformBits) {
+  for (int32_t legacy_id : {277, 278}) {
+    alignas(128) StreamState header{legacy_id, 1, nullptr};
+    uint32_t r32 = 7;
+    uint64_t r64 = 7;
+    EXPECT_EQ(_vsliRngUniformBits32(0, &header, 1, &r32), VSL_RNG_ERROR_NO_UNIFORMBITS);
+    EXPECT_EQ(_vsliRngUniformBits64(0, &header, 1, &r64), VSL_RNG_ERROR_NO_UNIFORMBITS);
+    EXPECT_EQ(r32 + r64, 14u);
+  }
+}
+
 TEST(Uniform, MCG59BitsAreTopBitsAcrossBlocks) {
   for (int32_t n : {1, 3, 2047, 2048, 2049, 5000}) {
     Stream bits(OXA_BRNG_MCG59, {99}), raw(bits), bits64(bits);

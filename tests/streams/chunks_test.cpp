@@ -38,6 +38,13 @@ TEST(Chunks, ListOperations) {
   EXPECT_NE(_vslSearchChunk(c.get(), 5), _vslSearchChunk(s.get(), 5));
   EXPECT_EQ(static_cast<unsigned char*>(_vslSearchChunk(c.get(), 5))[543], 1);
 
+  // Copying the state replaces the destination's chunks by copies.
+  Stream d(OXA_BRNG_MCG31M1, {2});
+  ASSERT_EQ(_vslAddChunk(d.get(), 4, nullptr, buffer(8, 4), 8), 0);
+  ASSERT_EQ(_vslCopyStreamState(d.get(), s.get()), 0);
+  EXPECT_EQ(_vslGetNumChunks(d.get()), 3);
+  EXPECT_EQ(_vslSearchChunk(d.get(), 4), nullptr);
+
   ASSERT_EQ(_vslDeleteChunks(c.get()), 0);
   EXPECT_EQ(c.get()->chunks, nullptr);
   EXPECT_EQ(_vslGetStreamSize(c.get()), 24);
@@ -152,16 +159,9 @@ TEST(SharedTable, FullTableKeepsChunksPrivate) {
   EXPECT_EQ(_vslFindGlobRODataTableEntry(&e, key), VSL_RNG_ERROR_RO_ENTRY_NOT_FOUND);
 }
 
-TEST(SharedTable, GeneratedKeysAreFresh) {
-  uint64_t key[2];
-  ASSERT_EQ(_vslGenerateNewGlobalRODataTableEntryId(key, 42), 0);
-  EXPECT_EQ(key[1], 42u);
-  GlobRODataTableEntry* e;
-  EXPECT_EQ(_vslFindGlobRODataTableEntry(&e, key), VSL_RNG_ERROR_RO_ENTRY_NOT_FOUND);
-}
-
-// Several threads create streams that share one table entry and private
-// ones, copy and delete them; afterwards the table is empty again.
+// Several threads create, copy and delete streams whose chunks share one key
+// (and keys of their own) all at once. Every chunk must keep readable data
+// while it lives (AddressSanitizer checks), and the table ends empty.
 TEST(SharedTable, HammeredFromThreads) {
   const uint64_t common[2] = {0xC0FFEE, 1};
   std::vector<std::thread> threads;
@@ -170,14 +170,22 @@ TEST(SharedTable, HammeredFromThreads) {
       for (int i = 0; i < 300; ++i) {
         Stream s(OXA_BRNG_MCG31M1, {static_cast<uint32_t>(i)});
         const uint64_t own[2] = {static_cast<uint64_t>(i + 1), static_cast<uint64_t>(t + 100)};
-        for (const uint64_t* key : {common, own}) {
+        const struct {
+          uint32_t id;
+          const uint64_t* key;
+        } adds[] = {{9, common}, {13, own}};
+        for (const auto& add : adds) {
           // A chunk added under a key already shared uses the table's data;
           // the buffer offered is then the caller's to free.
-          void* offered = buffer(32, 1);
-          ASSERT_EQ(_vslAddChunk(s.get(), 9, key, offered, 32), 0);
-          if (_vslSearchChunk(s.get(), 9) != offered) oxa_serv_deallocate(offered);
+          void* offered = buffer(32, static_cast<unsigned char>(add.id));
+          ASSERT_EQ(_vslAddChunk(s.get(), add.id, add.key, offered, 32), 0);
+          if (_vslSearchChunk(s.get(), add.id) != offered) oxa_serv_deallocate(offered);
         }
         Stream c(s);
+        ASSERT_EQ(c.status(), 0);
+        for (uint32_t id : {9u, 13u}) {
+          ASSERT_EQ(static_cast<const unsigned char*>(_vslSearchChunk(c.get(), id))[31], id);
+        }
         uint64_t key[2];
         _vslGenerateNewGlobalRODataTableEntryId(key, static_cast<uint64_t>(t));
       }
