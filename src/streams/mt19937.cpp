@@ -29,11 +29,6 @@ constexpr uint32_t kMatrixA = 0x9908B0DFu;
 constexpr uint32_t kUpper = 0x80000000u;
 constexpr uint32_t kLower = 0x7FFFFFFFu;
 
-inline uint32_t twist(uint32_t current, uint32_t next) {
-  const uint32_t y = (current & kUpper) | (next & kLower);
-  return (y >> 1) ^ ((y & 1u) ? kMatrixA : 0u);
-}
-
 inline uint32_t temper(uint32_t x) {
   x ^= x >> 11;
   x ^= (x << 7) & 0x9D2C5680u;
@@ -45,7 +40,7 @@ inline __m256i load8(const uint32_t* p) {
   return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
 }
 
-// mt[i..i+7] = mt[far..far+7] ^ twist(mt[i..i+7], mt[i+1..i+8]).
+// mt[i..i+7] = mt19937_next_word(mt[i..i+7], mt[i+1..i+8], mt[far..far+7]).
 inline void twist8(uint32_t* mt, int i, int far) {
   const __m256i cur = load8(mt + i), nxt = load8(mt + i + 1);
   const __m256i y = _mm256_or_si256(_mm256_and_si256(cur, _mm256_set1_epi32(int32_t(kUpper))),
@@ -98,10 +93,10 @@ void mt19937_regenerate(uint32_t mt[kMtWords]) {
   // read a word of their own step. Word 623 also needs the new mt[0].
   int i = 0;
   for (; i + 8 <= kSplit; i += 8) twist8(mt, i, i + kMtShift);
-  for (; i < kSplit; ++i) mt[i] = mt[i + kMtShift] ^ twist(mt[i], mt[i + 1]);
+  for (; i < kSplit; ++i) mt[i] = mt19937_next_word(mt[i], mt[i + 1], mt[i + kMtShift]);
   for (; i + 8 <= kMtWords - 1; i += 8) twist8(mt, i, i - kSplit);
-  for (; i < kMtWords - 1; ++i) mt[i] = mt[i - kSplit] ^ twist(mt[i], mt[i + 1]);
-  mt[kMtWords - 1] = mt[kMtShift - 1] ^ twist(mt[kMtWords - 1], mt[0]);
+  for (; i < kMtWords - 1; ++i) mt[i] = mt19937_next_word(mt[i], mt[i + 1], mt[i - kSplit]);
+  mt[kMtWords - 1] = mt19937_next_word(mt[kMtWords - 1], mt[0], mt[kMtShift - 1]);
 }
 
 void mt19937_temper(const uint32_t* in, uint32_t* out, std::size_t n) {

@@ -22,6 +22,13 @@ struct Mt19937State {
 };
 static_assert(sizeof(Mt19937State) == 2504, "MT19937 state area is 2520 - 16 bytes");
 
+// One step of the recurrence: the word that replaces `current`, from it, the
+// word after it and the word 397 places on.
+inline uint32_t mt19937_next_word(uint32_t current, uint32_t next, uint32_t far) {
+  const uint32_t y = (current & 0x80000000u) | (next & 0x7FFFFFFFu);
+  return far ^ (y >> 1) ^ ((y & 1u) ? 0x9908B0DFu : 0u);
+}
+
 // Seeds from n words (n <= 0 seeds as the single word 1); pos becomes 624.
 void mt19937_seed(Mt19937State& s, int32_t n, const uint32_t seed[]);
 

@@ -153,8 +153,7 @@ struct Window {
     const int i = idx;
     const int i1 = i + 1 == kMtWords ? 0 : i + 1;
     const int im = i + kMtShift >= kMtWords ? i + kMtShift - kMtWords : i + kMtShift;
-    const uint32_t y = (w[i] & 0x80000000u) | (w[i1] & 0x7FFFFFFFu);
-    w[i] = w[im] ^ (y >> 1) ^ ((y & 1u) ? 0x9908B0DFu : 0u);
+    w[i] = mt19937_next_word(w[i], w[i1], w[im]);
     idx = i1;
   }
   // this ^= other, for an other whose window starts at index 0.
