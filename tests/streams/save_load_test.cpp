@@ -54,16 +54,19 @@ Bytes image_of(const StreamState* s) {
   return b;
 }
 
-// Adds a private chunk of `size` bytes filled from `fill`.
-void add_chunk(StreamState* s, uint32_t id, uint32_t size, unsigned fill) {
+// Adds a chunk of `size` bytes filled from `fill`, private unless a key is
+// given (then shared through the read-only data table).
+void add_chunk(StreamState* s, uint32_t id, uint32_t size, unsigned fill,
+               const uint64_t* key = nullptr) {
   void* data = size ? oxa_serv_allocate(size, 128) : nullptr;
   ASSERT_EQ(data == nullptr, size == 0);
   for (uint32_t i = 0; i < size; ++i) static_cast<unsigned char*>(data)[i] = uint8_t(fill + i);
-  ASSERT_EQ(_vslAddChunk(s, id, nullptr, data, size), 0);
+  ASSERT_EQ(_vslAddChunk(s, id, key, data, size), 0);
 }
 
 struct ChunkView {
   uint32_t id, size;
+  uint64_t key0, key1;
   Bytes data;
   bool operator==(const ChunkView&) const = default;
 };
@@ -71,7 +74,7 @@ std::vector<ChunkView> chunks_of(const StreamState* s) {
   std::vector<ChunkView> v;
   for (const StreamChunk* c = s->chunks; c; c = c->next) {
     const auto* p = static_cast<const unsigned char*>(c->data);
-    v.push_back({c->id, c->size, Bytes(p, p + c->size)});
+    v.push_back({c->id, c->size, c->key[0], c->key[1], Bytes(p, p + c->size)});
   }
   return v;
 }
@@ -102,7 +105,9 @@ TEST(SaveLoad, RoundTripEveryGeneratorWithChunks) {
     const size_t words_per_value = size_t(row.WordBytes) / 4;  // GenBits writes WordBytes each
     std::vector<uint32_t> skip(9 * words_per_value);
     row.GenBits(s, 9, skip.data());  // leaves a part-used block or buffer
+    const uint64_t key[2] = {0x5EED0000u + uint64_t(id), 0xC0FFEE};
     add_chunk(s, 5, 544, 3);
+    add_chunk(s, 9, 64, 1, key);  // shared: the loaded copies reuse the table's data
     add_chunk(s, 2, 16, 9);
     add_chunk(s, 2, 0, 0);
     const Bytes img = image_of(s);
@@ -119,6 +124,7 @@ TEST(SaveLoad, RoundTripEveryGeneratorWithChunks) {
     for (StreamState* t : {fromFile, fromMemory}) {
       EXPECT_EQ(t->brng, id);
       EXPECT_EQ(chunks_of(t), expected);
+      EXPECT_EQ(_vslSearchChunk(t, 9), _vslSearchChunk(s, 9));  // one shared buffer
       // Same state bytes: saving the copy gives the same image up to chunk order.
       const Bytes again = image_of(t);
       ASSERT_EQ(again.size(), img.size());
