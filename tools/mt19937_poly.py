@@ -98,7 +98,7 @@ def main():
     out.write("// word array is the coefficient of x^i. Then the exponents of its {} terms\n".format(len(terms)))
     out.write("// below x^19937, ascending.\n")
     emit("_vsl_mt19937_poly", p, out)
-    out.write("const uint16_t _vsl_mt19937_poly_terms[{}] = {{\n".format(len(terms)))
+    out.write("inline constexpr uint16_t _vsl_mt19937_poly_terms[{}] = {{\n".format(len(terms)))
     for i in range(0, len(terms), 10):
         out.write("    " + ", ".join(str(t) for t in terms[i:i + 10]) + ",\n")
     out.write("};\n")
