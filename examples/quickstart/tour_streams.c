@@ -5,8 +5,11 @@
 #include "oxa/oxa.h"
 #include "tour.h"
 
+static int tour_streams_saved(void);
+
 int tour_streams(void) {
   printf("== random streams ==\n");
+  if (tour_streams_saved() != 0) return 1;
   StreamState* stream = NULL;
   const uint32_t seed = 777;
   if (_vslNewStreamEx(&stream, OXA_BRNG_MRG32K3A, 1, &seed) != VSL_STATUS_OK) return 1;
@@ -47,4 +50,35 @@ int tour_streams(void) {
   _vslDeleteStream(&copy);
   _vslDeleteStream(&stream);
   return (stream == NULL && copy == NULL && a == b && skipped == drawn[999]) ? 0 : 1;
+}
+
+/* Save an MT19937 stream to memory, load it back, and show both continue the
+ * same sequence; then jump the copy 2^40 values ahead. */
+static int tour_streams_saved(void) {
+  StreamState* stream = NULL;
+  const uint32_t seeds[] = {0x123, 0x234, 0x345, 0x456};
+  if (_vslNewStreamEx(&stream, OXA_BRNG_MT19937, 4, seeds) != VSL_STATUS_OK) return 1;
+  uint32_t first[3];
+  _vsliBRngMT19937(stream, 3, first);
+  printf("MT19937 seeded with {0x123, 0x234, 0x345, 0x456}: %u %u %u ...\n",
+         (unsigned)first[0], (unsigned)first[1], (unsigned)first[2]);
+
+  char image[4096];
+  const int32_t size = _vslGetStreamSize(stream);
+  if (size > (int32_t)sizeof image || _vslSaveStreamM(stream, image) != 0) return 1;
+  StreamState* loaded = NULL;
+  if (_vslLoadStreamM(&loaded, image) != VSL_STATUS_OK) return 1;
+  double x[2], y[2];
+  _vsldBRngMT19937(stream, 2, x, 0.0, 1.0);
+  _vsldBRngMT19937(loaded, 2, y, 0.0, 1.0);
+  printf("saved to %d bytes and loaded: original %.10f %.10f, loaded %.10f %.10f\n",
+         (int)size, x[0], x[1], y[0], y[1]);
+
+  /* Jumping 2^40 values ahead takes one call, not 2^40 draws. */
+  const int32_t jumped = _vslSkipAheadStream(loaded, (uint64_t)1 << 40);
+  printf("skip-ahead by 2^40: status %d\n", (int)jumped);
+  const int same = x[0] == y[0] && x[1] == y[1] && jumped == 0;
+  _vslDeleteStream(&loaded);
+  _vslDeleteStream(&stream);
+  return same ? 0 : 1;
 }

@@ -31,6 +31,18 @@ enum {
   VSL_RNG_ERROR_RO_TABLE_FULL = -3001
 };
 
+/* Status codes of stream saving and loading and of the hardware generators. */
+enum {
+  VSL_RNG_ERROR_FILE_CLOSE = -1100,
+  VSL_RNG_ERROR_FILE_OPEN = -1101,
+  VSL_RNG_ERROR_FILE_WRITE = -1102,
+  VSL_RNG_ERROR_FILE_READ = -1103,
+  VSL_RNG_ERROR_BAD_IMAGE = -1110,
+  VSL_RNG_ERROR_BAD_IMAGE_VERSION = -1111,
+  VSL_RNG_ERROR_NO_RDRAND = -1130,
+  VSL_RNG_ERROR_TRNG_FAILED = -1131
+};
+
 /* Basic generator ids (registry form). WH set s is OXA_BRNG_WH + s (s < 273),
  * MT2203 set s is OXA_BRNG_MT2203 + s (s < 6024). Legacy ids 0..278 name the
  * first rows directly (0 MCG31M1, 1 R250, 2 MRG32K3A, 3 MCG59, 4..276 WH sets
@@ -182,6 +194,47 @@ int32_t _vslBRngWHInitStream(int32_t method, StreamState* stream, int32_t n,
 int32_t _vslsBRngWH(StreamState* stream, int32_t n, float r[], float a, float b);
 int32_t _vsldBRngWH(StreamState* stream, int32_t n, double r[], double a, double b);
 int32_t _vsliBRngWH(StreamState* stream, int32_t n, uint32_t r[]);
+
+int32_t _vslBRngMT19937InitStream(int32_t method, StreamState* stream, int32_t n,
+                                  const uint32_t params[]);
+int32_t _vslsBRngMT19937(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngMT19937(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngMT19937(StreamState* stream, int32_t n, uint32_t r[]);
+
+int32_t _vslBRngPHILOX4X32X10InitStream(int32_t method, StreamState* stream, int32_t n,
+                                        const uint32_t params[]);
+int32_t _vslsBRngPHILOX4X32X10(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngPHILOX4X32X10(StreamState* stream, int32_t n, double r[], double a,
+                               double b);
+int32_t _vsliBRngPHILOX4X32X10(StreamState* stream, int32_t n, uint32_t r[]);
+
+int32_t _vslBRngARS5InitStream(int32_t method, StreamState* stream, int32_t n,
+                               const uint32_t params[]);
+int32_t _vslsBRngARS5(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngARS5(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngARS5(StreamState* stream, int32_t n, uint32_t r[]);
+
+/* Hardware generator: RDRAND words; non-deterministic, no skip-ahead. */
+int32_t _vslBRngTRNGInitStream(int32_t method, StreamState* stream, int32_t n,
+                               const uint32_t params[]);
+int32_t _vslsBRngTRNG(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngTRNG(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngTRNG(StreamState* stream, int32_t n, uint32_t r[]);
+
+/* Processor support of the AES instructions (ARS5) and of RDRAND (TRNG):
+ * 1 when present, 0 when not. */
+int32_t _vslCPUisAES(void);
+int32_t _vslCPUisRDRAND(void);
+
+/* Saving and loading a stream, its generator state and its chunks. The image
+ * is 16 header bytes, the generator state and one record per chunk; its size
+ * is _vslGetStreamSize(stream). File names of length >= 0 need not be
+ * terminated; a negative length means a zero-terminated name. A failed load
+ * leaves NULL in the handle. */
+int32_t _vslSaveStreamF(const StreamState* stream, const char* name, int32_t length);
+int32_t _vslLoadStreamF(StreamState** handle, const char* name, int32_t length);
+int32_t _vslSaveStreamM(const StreamState* stream, char* memory);
+int32_t _vslLoadStreamM(StreamState** handle, const char* memory);
 
 OXA_EXTERN_C_END
 

@@ -22,15 +22,15 @@ const BuiltinRow kBuiltin[kBuiltinRows] = {
     {48, 4, 1, 16, 24, kWhSets, &kBrngEntryWH},        // WH, 273 parameter sets
     {11712, 2604, 0, 4, 32, 1, &kNoEntryPoints},       // SOBOL
     {84288, 10498, 0, 4, 32, 1, &kNoEntryPoints},      // NIEDERR
-    {2520, 625, 1, 4, 32, 1, &kNoEntryPoints},         // MT19937
+    {2520, 625, 1, 4, 32, 1, &kBrngEntryMT19937},      // MT19937
     {312, 70, 1, 4, 32, kMt2203Sets, &kNoEntryPoints}, // MT2203, 6024 parameter sets
     {48, 0, 1, 4, 32, 1, &kNoEntryPoints},             // iAbstract
     {64, 0, 1, 4, 32, 1, &kNoEntryPoints},             // dAbstract
     {56, 0, 1, 4, 32, 1, &kNoEntryPoints},             // sAbstract
     {2536, 625, 1, 4, 32, 1, &kNoEntryPoints},         // SFMT19937
-    {24, 1, 1, 4, 32, 1, &kNoEntryPoints},             // NONDETERM (hardware)
-    {72, 8, 1, 4, 32, 1, &kNoEntryPoints},             // ARS5
-    {64, 8, 1, 4, 32, 1, &kNoEntryPoints},             // PHILOX4X32X10
+    {24, 1, 1, 4, 32, 1, &kBrngEntryTRNG},             // NONDETERM (hardware)
+    {72, 8, 1, 4, 32, 1, &kBrngEntryARS5},             // ARS5
+    {64, 8, 1, 4, 32, 1, &kBrngEntryPHILOX4X32X10},    // PHILOX4X32X10
 };
 
 BrngProperties make_row(const BuiltinRow& b) {

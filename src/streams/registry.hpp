@@ -29,6 +29,10 @@ extern const BrngEntryPoints kBrngEntryR250;
 extern const BrngEntryPoints kBrngEntryMRG32K3A;
 extern const BrngEntryPoints kBrngEntryMCG59;
 extern const BrngEntryPoints kBrngEntryWH;
+extern const BrngEntryPoints kBrngEntryMT19937;
+extern const BrngEntryPoints kBrngEntryTRNG;
+extern const BrngEntryPoints kBrngEntryARS5;
+extern const BrngEntryPoints kBrngEntryPHILOX4X32X10;
 
 inline constexpr int32_t kLegacyRows = 281;
 inline constexpr int32_t kLegacyRowsInUse = 279;  // rows 279 and 280 are empty
