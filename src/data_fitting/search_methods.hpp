@@ -1,0 +1,280 @@
+// Cell search: the seven sequential methods, written once over the element
+// type T and a cell-width policy W.
+//
+// Cell of a site t, the same for every method: 0 when t < x[0] or t is NaN;
+// k when x[k-1] <= t < x[k]; nx-1 when t = x[nx-1]; nx when t > x[nx-1].
+// Apart from the right end it is the number of breakpoints <= t. Every method
+// first settles the right end and the sites below x[0] (NaN included), which
+// also keeps NaN out of the float-to-integer truncations of the guesses.
+#pragma once
+
+#include <immintrin.h>
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <type_traits>
+
+#include "data_fitting/task.hpp"
+
+namespace oxa::df {
+
+// Cell widths: element written and integer type of the index arithmetic.
+struct Cells32 {
+  using Out = int32_t;
+  using Idx = int32_t;
+  static constexpr int32_t bits = 32;
+};
+struct Cells64 {
+  using Out = int64_t;
+  using Idx = int64_t;
+  static constexpr int32_t bits = 64;
+};
+struct Cells64Pack {  // 64-bit cells from 32-bit arithmetic, for nx < 2^31 - 1
+  using Out = int64_t;
+  using Idx = int32_t;
+  static constexpr int32_t bits = 64;
+};
+
+enum class Width { k32, k64, k64Pack };
+
+// The width-choosing entries: bit 2 set and bit 1 clear gives 32-bit cells.
+inline Width choose_width(int32_t flags, int64_t nx) {
+  if ((flags & 2) != 0 && (flags & 1) == 0) return Width::k32;
+  return nx < 2147483647 ? Width::k64Pack : Width::k64;
+}
+
+template <Real T>
+using SearchCallback =
+    std::conditional_t<std::is_same_v<T, double>, oxa_df_dsearch_callback, oxa_df_ssearch_callback>;
+
+// Breakpoints kept in an array.
+template <Real T>
+struct StoredPoints {
+  const T* x;
+  int64_t nx;
+  T first() const { return x[0]; }
+  T last() const { return x[nx - 1]; }
+  T operator[](int64_t k) const { return x[k]; }
+};
+
+// Breakpoints of a uniform partition given by its two ends:
+// x[0] + k·(x[1] − x[0])/(nx − 1), the last one exactly x[1].
+template <Real T>
+struct EvenPoints {
+  const T* x;
+  int64_t nx;
+  T first() const { return x[0]; }
+  T last() const { return x[1]; }
+  T operator[](int64_t k) const {
+    return k == nx - 1 ? x[1] : x[0] + static_cast<T>(k) * (x[1] - x[0]) / static_cast<T>(nx - 1);
+  }
+};
+
+// Settles the sites every method treats alike. Returns true with the cell in
+// *r for t = x_last (nx-1) and for t < x[0] or NaN (0).
+template <class Idx, Real T>
+inline bool settle_ends(T t, T x0, T xl, int64_t nx, Idx* r) {
+  if (t == xl) {
+    *r = static_cast<Idx>(nx - 1);
+    return true;
+  }
+  if (!(t >= x0)) {
+    *r = 0;
+    return true;
+  }
+  return false;
+}
+
+// Moves a guess k in [0, nx] to the cell of t (t >= x[0], t != x_last): right
+// while x[k] <= t, else left while x[k-1] > t.
+template <class Idx, class P>
+inline Idx walk_from(const P& x, Idx nx, decltype(x[0]) t, Idx k) {
+  if (k < nx && x[k] <= t) {
+    do ++k;
+    while (k < nx && x[k] <= t);
+  } else {
+    while (k >= 1 && x[k - 1] > t) --k;
+  }
+  return k;
+}
+
+// Truncated guess inv·(t − x0), t >= x0, clamped to nx before the conversion.
+template <class Idx, Real T>
+inline Idx guess(T t, T x0, T inv, int64_t nx) {
+  const T v = inv * (t - x0);
+  return v < static_cast<T>(nx) ? std::min(static_cast<Idx>(v), static_cast<Idx>(nx))
+                                : static_cast<Idx>(nx);
+}
+
+// Uniform (method 0): cell = trunc(inv·(t − x0)) + 1, at most nx. x holds the
+// two ends; no other breakpoint is read.
+template <Real T, class W>
+void search_uniform(int64_t nx, const T* x, T inv, int64_t n, const T* site, typename W::Out* cell) {
+  using Idx = typename W::Idx;
+  const T x0 = x[0], xl = x[1];
+  for (int64_t i = 0; i < n; ++i) {
+    const T t = site[i];
+    Idx r;
+    if (!settle_ends(t, x0, xl, nx, &r))
+      r = std::min(static_cast<Idx>(guess<Idx>(t, x0, inv, nx) + 1), static_cast<Idx>(nx));
+    cell[i] = r;
+  }
+}
+
+// Quasi-uniform (method 1): guesses for a block of 32 sites first (a loop the
+// compiler vectorises), then a short walk from each guess.
+template <Real T, class W>
+void search_quasi_uniform(int64_t nx, const T* x, T inv, int64_t n, const T* site,
+                          typename W::Out* cell) {
+  using Idx = typename W::Idx;
+  constexpr int64_t kBlock = 32;
+  const StoredPoints<T> pts{x, nx};
+  const T x0 = x[0], xl = x[nx - 1];
+  const Idx inx = static_cast<Idx>(nx);
+  Idx g[kBlock];
+  for (int64_t b = 0; b < n; b += kBlock) {
+    const int64_t m = std::min(kBlock, n - b);
+    const T* s = site + b;
+    for (int64_t i = 0; i < m; ++i) {
+      const T v = inv * (s[i] - x0);
+      g[i] = v >= T(0) && v < static_cast<T>(nx) ? static_cast<Idx>(v) : inx;
+    }
+    for (int64_t i = 0; i < m; ++i) {
+      Idx r;
+      if (!settle_ends(s[i], x0, xl, nx, &r)) r = walk_from(pts, inx, s[i], std::min(g[i], inx));
+      cell[b + i] = r;
+    }
+  }
+}
+
+// Sorted (method 2): sites ascending; the scan position carries over from site
+// to site and never goes back, so a start state beyond the first site's cell
+// gives wrong cells (the sorted hint is the caller's promise). The first site
+// narrows the start by halving, stopping at hi − ⌊nx/2⌋ so that at most a step
+// or two are taken; the forward scan does the rest.
+template <Real T, class W>
+void search_sorted(int64_t nx, const T* x, int64_t* state, int64_t n, const T* site,
+                   typename W::Out* cell) {
+  using Idx = typename W::Idx;
+  if (n < 1) return;
+  const T x0 = x[0], xl = x[nx - 1];
+  const Idx inx = static_cast<Idx>(nx), half = static_cast<Idx>(nx / 2);
+  Idx pos = static_cast<Idx>(std::clamp<int64_t>(*state, 0, nx));
+  for (int64_t i = 0; i < n; ++i) {
+    const T t = site[i];
+    Idx r;
+    if (settle_ends(t, x0, xl, nx, &r)) {
+      cell[i] = r;
+      continue;
+    }
+    if (i == 0 && pos < inx - half) {
+      Idx hi = inx;
+      while (pos < hi - half) {
+        const Idx mid = static_cast<Idx>((pos + hi) / 2);
+        if (x[mid] > t) hi = mid;
+        else pos = mid;
+      }
+    }
+    while (pos < inx && x[pos] <= t) ++pos;
+    cell[i] = pos;
+  }
+  *state = pos;
+}
+
+// Peak (method 3): sites cluster around breakpoint p; walk from p.
+template <Real T, class W>
+void search_peak(int64_t nx, const T* x, int64_t p, int64_t n, const T* site,
+                 typename W::Out* cell) {
+  using Idx = typename W::Idx;
+  const StoredPoints<T> pts{x, nx};
+  const T x0 = x[0], xl = x[nx - 1];
+  const Idx inx = static_cast<Idx>(nx);
+  const Idx start = static_cast<Idx>(std::clamp<int64_t>(p, 0, nx));
+  for (int64_t i = 0; i < n; ++i) {
+    Idx r;
+    if (!settle_ends(site[i], x0, xl, nx, &r)) r = walk_from(pts, inx, site[i], start);
+    cell[i] = r;
+  }
+}
+
+// Number of the n sorted values p[0..n) that are <= t, four at a time: groups
+// entirely <= t are counted whole, the first mixed group ends the count.
+template <Real T>
+inline int32_t count_le(const T* p, int64_t n, T t) {
+  int32_t c = 0;
+  int64_t k = 0;
+  for (; k + 4 <= n; k += 4) {
+    int mask;
+    if constexpr (std::is_same_v<T, double>)
+      mask = _mm256_movemask_pd(_mm256_cmp_pd(_mm256_loadu_pd(p + k), _mm256_set1_pd(t), _CMP_LE_OQ));
+    else
+      mask = _mm_movemask_ps(_mm_cmp_ps(_mm_loadu_ps(p + k), _mm_set1_ps(t), _CMP_LE_OQ));
+    if (mask != 0xF) return c + std::popcount(static_cast<unsigned>(mask));
+    c += 4;
+  }
+  for (; k < n && p[k] <= t; ++k) ++c;
+  return c;
+}
+
+// Hybrid (method 4): the accelerator table gives [lo, hi] with
+// x[lo] <= t < x[hi]; bisection shrinks it to at most 40 breakpoints, a
+// vector count finishes.
+template <Real T, class W>
+inline typename W::Idx hybrid_cell(int64_t nx, const T* x, const DfSearchBin* bins, T ibw, T t) {
+  using Idx = typename W::Idx;
+  const T x0 = x[0], xl = x[nx - 1];
+  Idx r;
+  if (settle_ends(t, x0, xl, nx, &r)) return r;
+  if (t > xl) return static_cast<Idx>(nx);
+  const DfSearchBin& e = bins[static_cast<int64_t>(ibw * (t - x0))];
+  Idx lo = static_cast<Idx>(e.lo), hi = static_cast<Idx>(e.hi);
+  while (lo < hi - 40) {
+    const Idx mid = static_cast<Idx>((lo + hi) / 2);
+    if (x[mid] > t) hi = mid;
+    else lo = mid;
+  }
+  const Idx len = hi - lo;
+  if (len < 2) return lo + len;
+  return lo + static_cast<Idx>(count_le(x + lo, len, t));
+}
+
+template <Real T, class W>
+void search_hybrid(int64_t nx, const T* x, const DfSearchBin* bins, T ibw, int64_t n,
+                   const T* site, typename W::Out* cell) {
+  for (int64_t i = 0; i < n; ++i) cell[i] = hybrid_cell<T, W>(nx, x, bins, ibw, site[i]);
+}
+
+// User-defined (methods 5 and 6, P = StoredPoints or EvenPoints): the
+// call-back guesses every cell at once; sites it does not flag as final are
+// corrected by a walk from max(guess, 0).
+template <Real T, class W, class P>
+oxa_status search_user(const P& pts, int64_t n, const T* site, SearchCallback<T> cb, void* params,
+                       typename W::Out* cell) {
+  using Idx = typename W::Idx;
+  if (n < 1) return DF_OK;
+  constexpr int64_t kStackFlags = 1024;
+  int32_t stack_flags[kStackFlags];
+  int32_t* flag = n <= kStackFlags ? stack_flags : allocate_array<int32_t>(n);
+  if (flag == nullptr) return DF_ERR_MEM;
+  std::fill(flag, flag + n, 0);
+  oxa_status s = cb(n, site, cell, W::bits, flag, params);
+  if (s >= 0 && s != 1000) {
+    const T x0 = pts.first(), xl = pts.last();
+    const Idx inx = static_cast<Idx>(pts.nx);
+    for (int64_t i = 0; i < n; ++i) {
+      if (flag[i] != 0) continue;
+      Idx r;
+      if (!settle_ends(site[i], x0, xl, pts.nx, &r)) {
+        const Idx g = static_cast<Idx>(std::clamp<int64_t>(cell[i], 0, pts.nx));
+        r = walk_from(pts, inx, site[i], g);
+      }
+      cell[i] = r;
+    }
+  }
+  if (s == 1000) s = DF_OK;
+  if (flag != stack_flags) oxa_serv_deallocate(flag);
+  return s;
+}
+
+}  // namespace oxa::df
