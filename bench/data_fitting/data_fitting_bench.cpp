@@ -3,7 +3,7 @@
 // bisection for the search, a function-major loop and a triad for the spline.
 // Compare the per-site times (search) and bytes per second (spline).
 //
-//   build/default/bench/bench_data_fitting --benchmark_min_time=0.3s
+//   build/default/bench/bench_data_fitting --benchmark_min_time=0.3
 #include <benchmark/benchmark.h>
 
 #include <algorithm>

@@ -8,12 +8,47 @@
 // non-uniform forms may differ in the last bit.
 // Special: periodic condition (bc_type 64) with y_j(x[0]) != y_j(x[nx−1])
 // (NaN included) fails with -1018 before anything is written.
+#include <immintrin.h>
+
 #include <algorithm>
 
 #include "data_fitting/task.hpp"
 
 namespace oxa::df {
 namespace {
+
+// Four cells at a time: packed loads of values and reciprocals, and the
+// (value, slope) pairs interleaved into two (double) or one (float) stores.
+template <Real T>
+struct Quad;
+
+template <>
+struct Quad<double> {
+  using V = __m256d;
+  static V load(const double* p) { return _mm256_loadu_pd(p); }
+  static V sub(V a, V b) { return _mm256_sub_pd(a, b); }
+  static V mul(V a, V b) { return _mm256_mul_pd(a, b); }
+  static V div(V a, V b) { return _mm256_div_pd(a, b); }
+  static void store_pairs(double* out, V v, V s) {
+    const V lo = _mm256_unpacklo_pd(v, s);  // v0 s0 v2 s2
+    const V hi = _mm256_unpackhi_pd(v, s);  // v1 s1 v3 s3
+    _mm256_storeu_pd(out, _mm256_permute2f128_pd(lo, hi, 0x20));
+    _mm256_storeu_pd(out + 4, _mm256_permute2f128_pd(lo, hi, 0x31));
+  }
+};
+
+template <>
+struct Quad<float> {
+  using V = __m128;
+  static V load(const float* p) { return _mm_loadu_ps(p); }
+  static V sub(V a, V b) { return _mm_sub_ps(a, b); }
+  static V mul(V a, V b) { return _mm_mul_ps(a, b); }
+  static V div(V a, V b) { return _mm_div_ps(a, b); }
+  static void store_pairs(float* out, V v, V s) {
+    _mm_storeu_ps(out, _mm_unpacklo_ps(v, s));
+    _mm_storeu_ps(out + 4, _mm_unpackhi_ps(v, s));
+  }
+};
 
 constexpr int64_t kCellBlock = 1024;
 constexpr int64_t kFunctionBlock = 4;
@@ -31,7 +66,7 @@ struct LinearContext {
 
 // Value of function j at breakpoint i.
 template <Real T, bool Cols>
-inline T value(const LinearContext<T>& c, int64_t j, int64_t i) {
+inline T value_at(const LinearContext<T>& c, int64_t j, int64_t i) {
   if constexpr (Cols) return c.y[0][i * c.ny + j];
   else return c.y[j][i];
 }
@@ -43,9 +78,17 @@ void single_function_cells(const LinearContext<T>& c, int64_t m0, int64_t m1) {
   T* out = c.coeff[0];
   const T* x = c.x;
   int64_t m = m0;
+  // With one function, column storage is the row itself.
+  using Q = Quad<T>;
+  const T* y = c.y[0];
+  for (; m + 4 <= m1; m += 4) {
+    const auto v = Q::load(y + m);
+    Q::store_pairs(out + 2 * m, v,
+                   Q::div(Q::sub(Q::load(y + m + 1), v), Q::sub(Q::load(x + m + 1), Q::load(x + m))));
+  }
   for (; m + 2 <= m1; m += 2) {
-    const T y0 = value<T, Cols>(c, 0, m), y1 = value<T, Cols>(c, 0, m + 1);
-    const T y2 = value<T, Cols>(c, 0, m + 2);
+    const T y0 = value_at<T, Cols>(c, 0, m), y1 = value_at<T, Cols>(c, 0, m + 1);
+    const T y2 = value_at<T, Cols>(c, 0, m + 2);
     out[2 * m] = y0;
     out[2 * m + 1] = (y1 - y0) / (x[m + 1] - x[m]);
     out[2 * m + 2] = y1;
@@ -53,9 +96,9 @@ void single_function_cells(const LinearContext<T>& c, int64_t m0, int64_t m1) {
   }
   if (m < m1) {
     const T r = T(1) / (x[m + 1] - x[m]);
-    const T y0 = value<T, Cols>(c, 0, m);
+    const T y0 = value_at<T, Cols>(c, 0, m);
     out[2 * m] = y0;
-    out[2 * m + 1] = (value<T, Cols>(c, 0, m + 1) - y0) * r;
+    out[2 * m + 1] = (value_at<T, Cols>(c, 0, m + 1) - y0) * r;
   }
 }
 
@@ -75,9 +118,9 @@ void linear_body(void* context, int64_t k, int32_t, int32_t) {
     for (int64_t m = m0; m < m1; ++m) {
       const T r = Uniform ? c.inv_h : T(1) / (c.x[m + 1] - c.x[m]);
       for (int64_t j = j0; j < j1; ++j) {
-        const T y0 = value<T, Cols>(c, j, m);
+        const T y0 = value_at<T, Cols>(c, j, m);
         c.coeff[j][2 * m] = y0;
-        c.coeff[j][2 * m + 1] = (value<T, Cols>(c, j, m + 1) - y0) * r;
+        c.coeff[j][2 * m + 1] = (value_at<T, Cols>(c, j, m + 1) - y0) * r;
       }
     }
   } else {
@@ -86,10 +129,16 @@ void linear_body(void* context, int64_t k, int32_t, int32_t) {
     T r[kCellBlock];
     for (int64_t m = m0; m < m1; ++m)
       r[m - m0] = Uniform ? c.inv_h : T(1) / (c.x[m + 1] - c.x[m]);
+    using Q = Quad<T>;
     for (int64_t j = j0; j < j1; ++j) {
       const T* y = c.y[j];
       T* out = c.coeff[j];
-      for (int64_t m = m0; m < m1; ++m) {
+      int64_t m = m0;
+      for (; m + 4 <= m1; m += 4) {
+        const auto v = Q::load(y + m);
+        Q::store_pairs(out + 2 * m, v, Q::mul(Q::sub(Q::load(y + m + 1), v), Q::load(r + (m - m0))));
+      }
+      for (; m < m1; ++m) {
         out[2 * m] = y[m];
         out[2 * m + 1] = (y[m + 1] - y[m]) * r[m - m0];
       }
@@ -108,7 +157,7 @@ oxa_status linear_routine(const DfTask& task, const DfThreading* threading) {
 
   if (task.bc_type == DF_BC_PERIODIC)
     for (int64_t j = 0; j < c.ny; ++j)
-      if (!(value<T, Cols>(c, j, 0) == value<T, Cols>(c, j, c.nx - 1))) return DF_ERR_PERIODIC_VALUES;
+      if (!(value_at<T, Cols>(c, j, 0) == value_at<T, Cols>(c, j, c.nx - 1))) return DF_ERR_PERIODIC_VALUES;
 
   if constexpr (Uniform) c.inv_h = static_cast<T>(c.nx - 1) / (c.x[1] - c.x[0]);
 

@@ -148,6 +148,25 @@ void search_quasi_uniform(int64_t nx, const T* x, T inv, int64_t n, const T* sit
   }
 }
 
+// Number of the n sorted values p[0..n) that are <= t, four at a time: groups
+// entirely <= t are counted whole, the first mixed group ends the count.
+template <Real T>
+inline int64_t count_le(const T* p, int64_t n, T t) {
+  int64_t c = 0;
+  int64_t k = 0;
+  for (; k + 4 <= n; k += 4) {
+    int mask;
+    if constexpr (std::is_same_v<T, double>)
+      mask = _mm256_movemask_pd(_mm256_cmp_pd(_mm256_loadu_pd(p + k), _mm256_set1_pd(t), _CMP_LE_OQ));
+    else
+      mask = _mm_movemask_ps(_mm_cmp_ps(_mm_loadu_ps(p + k), _mm_set1_ps(t), _CMP_LE_OQ));
+    if (mask != 0xF) return c + std::popcount(static_cast<unsigned>(mask));
+    c += 4;
+  }
+  for (; k < n && p[k] <= t; ++k) ++c;
+  return c;
+}
+
 // Sorted (method 2): sites ascending; the scan position carries over from site
 // to site and never goes back, so a start state beyond the first site's cell
 // gives wrong cells (the sorted hint is the caller's promise). The first site
@@ -176,7 +195,7 @@ void search_sorted(int64_t nx, const T* x, int64_t* state, int64_t n, const T* s
         else pos = mid;
       }
     }
-    while (pos < inx && x[pos] <= t) ++pos;
+    pos += static_cast<Idx>(count_le(x + pos, inx - pos, t));  // the forward scan
     cell[i] = pos;
   }
   *state = pos;
@@ -198,51 +217,76 @@ void search_peak(int64_t nx, const T* x, int64_t p, int64_t n, const T* site,
   }
 }
 
-// Number of the n sorted values p[0..n) that are <= t, four at a time: groups
-// entirely <= t are counted whole, the first mixed group ends the count.
-template <Real T>
-inline int32_t count_le(const T* p, int64_t n, T t) {
-  int32_t c = 0;
-  int64_t k = 0;
-  for (; k + 4 <= n; k += 4) {
-    int mask;
-    if constexpr (std::is_same_v<T, double>)
-      mask = _mm256_movemask_pd(_mm256_cmp_pd(_mm256_loadu_pd(p + k), _mm256_set1_pd(t), _CMP_LE_OQ));
-    else
-      mask = _mm_movemask_ps(_mm_cmp_ps(_mm_loadu_ps(p + k), _mm_set1_ps(t), _CMP_LE_OQ));
-    if (mask != 0xF) return c + std::popcount(static_cast<unsigned>(mask));
-    c += 4;
-  }
-  for (; k < n && p[k] <= t; ++k) ++c;
-  return c;
-}
-
 // Hybrid (method 4): the accelerator table gives [lo, hi] with
 // x[lo] <= t < x[hi]; bisection shrinks it to at most 40 breakpoints, a
-// vector count finishes.
-template <Real T, class W>
-inline typename W::Idx hybrid_cell(int64_t nx, const T* x, const DfSearchBin* bins, T ibw, T t) {
-  using Idx = typename W::Idx;
+// vector count finishes. Returns false for a site settled without the table.
+template <class Idx, Real T>
+inline bool hybrid_bounds(int64_t nx, const T* x, const DfSearchBin* bins, T ibw, T t, Idx* r,
+                          Idx* lo, Idx* hi) {
   const T x0 = x[0], xl = x[nx - 1];
-  Idx r;
-  if (settle_ends(t, x0, xl, nx, &r)) return r;
-  if (t > xl) return static_cast<Idx>(nx);
-  const DfSearchBin& e = bins[static_cast<int64_t>(ibw * (t - x0))];
-  Idx lo = static_cast<Idx>(e.lo), hi = static_cast<Idx>(e.hi);
-  while (lo < hi - 40) {
-    const Idx mid = static_cast<Idx>((lo + hi) / 2);
-    if (x[mid] > t) hi = mid;
-    else lo = mid;
+  if (settle_ends(t, x0, xl, nx, r)) return false;
+  if (t > xl) {
+    *r = static_cast<Idx>(nx);
+    return false;
   }
+  const DfSearchBin& e = bins[static_cast<int64_t>(ibw * (t - x0))];
+  *lo = static_cast<Idx>(e.lo);
+  *hi = static_cast<Idx>(e.hi);
+  return true;
+}
+
+template <class Idx, Real T>
+inline Idx hybrid_finish(const T* x, T t, Idx lo, Idx hi) {
   const Idx len = hi - lo;
   if (len < 2) return lo + len;
   return lo + static_cast<Idx>(count_le(x + lo, len, t));
 }
 
+// Sites go through in groups of 8 whose bisections advance in lockstep
+// without branches: their breakpoint loads are independent, so on a large
+// partition the cache misses of eight sites overlap instead of queueing.
 template <Real T, class W>
 void search_hybrid(int64_t nx, const T* x, const DfSearchBin* bins, T ibw, int64_t n,
                    const T* site, typename W::Out* cell) {
-  for (int64_t i = 0; i < n; ++i) cell[i] = hybrid_cell<T, W>(nx, x, bins, ibw, site[i]);
+  using Idx = typename W::Idx;
+  constexpr int64_t kGroup = 8;
+  int64_t i = 0;
+  for (; i + kGroup <= n; i += kGroup) {
+    Idx lo[kGroup], hi[kGroup], r[kGroup];
+    bool open[kGroup];
+    T t[kGroup];
+    for (int64_t k = 0; k < kGroup; ++k) {
+      t[k] = site[i + k];
+      lo[k] = hi[k] = 0;  // a settled site bisects the empty range [0, 0]
+      open[k] = hybrid_bounds(nx, x, bins, ibw, t[k], &r[k], &lo[k], &hi[k]);
+    }
+    for (;;) {
+      bool any = false;
+      for (int64_t k = 0; k < kGroup; ++k) {
+        const bool wide = lo[k] < hi[k] - 40;
+        const Idx mid = static_cast<Idx>((lo[k] + hi[k]) / 2);
+        const bool above = x[mid] > t[k];
+        hi[k] = wide && above ? mid : hi[k];
+        lo[k] = wide && !above ? mid : lo[k];
+        any |= wide;
+      }
+      if (!any) break;
+    }
+    for (int64_t k = 0; k < kGroup; ++k)
+      cell[i + k] = open[k] ? hybrid_finish(x, t[k], lo[k], hi[k]) : r[k];
+  }
+  for (; i < n; ++i) {
+    Idx r, lo, hi;
+    if (hybrid_bounds(nx, x, bins, ibw, site[i], &r, &lo, &hi)) {
+      while (lo < hi - 40) {
+        const Idx mid = static_cast<Idx>((lo + hi) / 2);
+        if (x[mid] > site[i]) hi = mid;
+        else lo = mid;
+      }
+      r = hybrid_finish(x, site[i], lo, hi);
+    }
+    cell[i] = r;
+  }
 }
 
 // User-defined (methods 5 and 6, P = StoredPoints or EvenPoints): the
