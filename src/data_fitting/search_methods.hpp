@@ -242,38 +242,78 @@ inline Idx hybrid_finish(const T* x, T t, Idx lo, Idx hi) {
   return lo + static_cast<Idx>(count_le(x + lo, len, t));
 }
 
-// Sites go through in groups of 8 whose bisections advance in lockstep
-// without branches: their breakpoint loads are independent, so on a large
-// partition the cache misses of eight sites overlap instead of queueing.
+// Four sites' bisection probes at once: gathers x[mid] for four 64-bit
+// indices and returns the lanes where it is above the site, as 64-bit masks.
+template <Real T>
+struct ProbeLanes;
+
+template <>
+struct ProbeLanes<double> {
+  using V = __m256d;
+  static V load(const double* p) { return _mm256_loadu_pd(p); }
+  static __m256i above(const double* x, __m256i mid, V t) {
+    return _mm256_castpd_si256(_mm256_cmp_pd(_mm256_i64gather_pd(x, mid, 8), t, _CMP_GT_OQ));
+  }
+};
+
+template <>
+struct ProbeLanes<float> {
+  using V = __m128;
+  static V load(const float* p) { return _mm_loadu_ps(p); }
+  static __m256i above(const float* x, __m256i mid, V t) {
+    const __m128 m = _mm_cmp_ps(_mm256_i64gather_ps(x, mid, 4), t, _CMP_GT_OQ);
+    return _mm256_cvtepi32_epi64(_mm_castps_si128(m));  // widen the lane masks
+  }
+};
+
+// Sites go through in groups of 16 whose bisections advance in lockstep, four
+// lanes to a gather, without branches: on a large partition the cache misses
+// of sixteen sites overlap instead of queueing one after the other.
 template <Real T, class W>
 void search_hybrid(int64_t nx, const T* x, const DfSearchBin* bins, T ibw, int64_t n,
                    const T* site, typename W::Out* cell) {
   using Idx = typename W::Idx;
-  constexpr int64_t kGroup = 8;
+  using L = ProbeLanes<T>;
+  constexpr int64_t kLanes = 4, kQuads = 4, kGroup = kLanes * kQuads;
+  const __m256i narrow = _mm256_set1_epi64x(40);
   int64_t i = 0;
   for (; i + kGroup <= n; i += kGroup) {
-    Idx lo[kGroup], hi[kGroup], r[kGroup];
+    alignas(32) int64_t lo[kGroup], hi[kGroup];
+    Idx r[kGroup];
     bool open[kGroup];
-    T t[kGroup];
     for (int64_t k = 0; k < kGroup; ++k) {
-      t[k] = site[i + k];
-      lo[k] = hi[k] = 0;  // a settled site bisects the empty range [0, 0]
-      open[k] = hybrid_bounds(nx, x, bins, ibw, t[k], &r[k], &lo[k], &hi[k]);
+      Idx l = 0, h = 0;  // a settled site bisects the empty range [0, 0]
+      open[k] = hybrid_bounds(nx, x, bins, ibw, site[i + k], &r[k], &l, &h);
+      lo[k] = l;
+      hi[k] = h;
     }
-    for (;;) {
-      bool any = false;
-      for (int64_t k = 0; k < kGroup; ++k) {
-        const bool wide = lo[k] < hi[k] - 40;
-        const Idx mid = static_cast<Idx>((lo[k] + hi[k]) / 2);
-        const bool above = x[mid] > t[k];
-        hi[k] = wide && above ? mid : hi[k];
-        lo[k] = wide && !above ? mid : lo[k];
-        any |= wide;
+    __m256i vlo[kQuads], vhi[kQuads];
+    typename L::V vt[kQuads];
+    for (int64_t q = 0; q < kQuads; ++q) {
+      vlo[q] = _mm256_load_si256(reinterpret_cast<const __m256i*>(lo + kLanes * q));
+      vhi[q] = _mm256_load_si256(reinterpret_cast<const __m256i*>(hi + kLanes * q));
+      vt[q] = L::load(site + i + kLanes * q);
+    }
+    for (;;) {  // while lo < hi − 40 in any lane
+      int wide_any = 0;
+      for (int64_t q = 0; q < kQuads; ++q) {
+        const __m256i wide = _mm256_cmpgt_epi64(_mm256_sub_epi64(vhi[q], vlo[q]), narrow);
+        const __m256i mid = _mm256_srli_epi64(_mm256_add_epi64(vlo[q], vhi[q]), 1);
+        const __m256i above = L::above(x, mid, vt[q]);
+        vhi[q] = _mm256_blendv_epi8(vhi[q], mid, _mm256_and_si256(wide, above));
+        vlo[q] = _mm256_blendv_epi8(vlo[q], mid, _mm256_andnot_si256(above, wide));
+        wide_any |= _mm256_movemask_epi8(wide);
       }
-      if (!any) break;
+      if (wide_any == 0) break;
+    }
+    for (int64_t q = 0; q < kQuads; ++q) {
+      _mm256_store_si256(reinterpret_cast<__m256i*>(lo + kLanes * q), vlo[q]);
+      _mm256_store_si256(reinterpret_cast<__m256i*>(hi + kLanes * q), vhi[q]);
     }
     for (int64_t k = 0; k < kGroup; ++k)
-      cell[i + k] = open[k] ? hybrid_finish(x, t[k], lo[k], hi[k]) : r[k];
+      cell[i + k] = open[k] ? hybrid_finish(x, site[i + k], static_cast<Idx>(lo[k]),
+                                            static_cast<Idx>(hi[k]))
+                            : r[k];
   }
   for (; i < n; ++i) {
     Idx r, lo, hi;
