@@ -11,6 +11,7 @@
 #include <immintrin.h>
 
 #include <algorithm>
+#include <cstdint>
 
 #include "data_fitting/task.hpp"
 
@@ -29,11 +30,18 @@ struct Quad<double> {
   static V sub(V a, V b) { return _mm256_sub_pd(a, b); }
   static V mul(V a, V b) { return _mm256_mul_pd(a, b); }
   static V div(V a, V b) { return _mm256_div_pd(a, b); }
+  static bool aligned(const double* p) { return (reinterpret_cast<uintptr_t>(p) & 31) == 0; }
   static void store_pairs(double* out, V v, V s) {
     const V lo = _mm256_unpacklo_pd(v, s);  // v0 s0 v2 s2
     const V hi = _mm256_unpackhi_pd(v, s);  // v1 s1 v3 s3
     _mm256_storeu_pd(out, _mm256_permute2f128_pd(lo, hi, 0x20));
     _mm256_storeu_pd(out + 4, _mm256_permute2f128_pd(lo, hi, 0x31));
+  }
+  static void stream_pairs(double* out, V v, V s) {
+    const V lo = _mm256_unpacklo_pd(v, s);
+    const V hi = _mm256_unpackhi_pd(v, s);
+    _mm256_stream_pd(out, _mm256_permute2f128_pd(lo, hi, 0x20));
+    _mm256_stream_pd(out + 4, _mm256_permute2f128_pd(lo, hi, 0x31));
   }
 };
 
@@ -44,14 +52,22 @@ struct Quad<float> {
   static V sub(V a, V b) { return _mm_sub_ps(a, b); }
   static V mul(V a, V b) { return _mm_mul_ps(a, b); }
   static V div(V a, V b) { return _mm_div_ps(a, b); }
+  static bool aligned(const float* p) { return (reinterpret_cast<uintptr_t>(p) & 15) == 0; }
   static void store_pairs(float* out, V v, V s) {
     _mm_storeu_ps(out, _mm_unpacklo_ps(v, s));
     _mm_storeu_ps(out + 4, _mm_unpackhi_ps(v, s));
+  }
+  static void stream_pairs(float* out, V v, V s) {
+    _mm_stream_ps(out, _mm_unpacklo_ps(v, s));
+    _mm_stream_ps(out + 4, _mm_unpackhi_ps(v, s));
   }
 };
 
 constexpr int64_t kCellBlock = 1024;
 constexpr int64_t kFunctionBlock = 4;
+// Coefficient output from which stores bypass the caches: well above the
+// last-level cache share of one core, so the output would not stay cached.
+constexpr int64_t kStreamBytes = int64_t{32} << 20;
 
 template <Real T>
 struct LinearContext {
@@ -62,6 +78,7 @@ struct LinearContext {
   const T* const* y;
   T* const* coeff;
   T inv_h;     // uniform partition only
+  bool stream; // output large enough to bypass the caches
 };
 
 // Value of function j at breakpoint i.
@@ -71,35 +88,47 @@ inline T value_at(const LinearContext<T>& c, int64_t j, int64_t i) {
   else return c.y[j][i];
 }
 
-// One function over cells [m0, m1), non-uniform partition: a division per
-// cell, two cells a step, and the reciprocal for the last odd cell.
-template <Real T, bool Cols>
-void single_function_cells(const LinearContext<T>& c, int64_t m0, int64_t m1) {
-  T* out = c.coeff[0];
-  const T* x = c.x;
-  int64_t m = m0;
-  // With one function, column storage is the row itself.
+// Writes the (value, slope) pairs of cells [m, m1) of one function from its
+// values y: four cells a step (slope4), single cells (slope1) for the rest.
+// A large output is streamed past the caches once the pairs are aligned: it
+// is not read back soon, and skipping the read-for-ownership of every written
+// line saves a third of the memory traffic. The body fences the streamed
+// stores once, before it returns.
+template <Real T, class Slope4, class Slope1>
+void write_pairs(const T* y, T* out, int64_t m, int64_t m1, bool stream, Slope4 slope4,
+                 Slope1 slope1) {
   using Q = Quad<T>;
+  auto one = [&](int64_t k) {
+    out[2 * k] = y[k];
+    out[2 * k + 1] = slope1(k);
+  };
+  if (stream) {
+    for (int peel = 0; peel < 2 && m < m1 && !Q::aligned(out + 2 * m); ++peel) one(m++);
+    if (Q::aligned(out + 2 * m)) {
+      for (; m + 4 <= m1; m += 4) Q::stream_pairs(out + 2 * m, Q::load(y + m), slope4(m));
+    }
+  }
+  for (; m + 4 <= m1; m += 4) Q::store_pairs(out + 2 * m, Q::load(y + m), slope4(m));
+  for (; m < m1; ++m) one(m);
+}
+
+// One function over cells [m0, m1), non-uniform partition: a division per
+// cell, and the reciprocal for the last cell when the count is odd. (With one
+// function, column storage is the row itself.)
+template <Real T>
+void single_function_cells(const LinearContext<T>& c, int64_t m0, int64_t m1) {
+  using Q = Quad<T>;
+  const T* x = c.x;
   const T* y = c.y[0];
-  for (; m + 4 <= m1; m += 4) {
-    const auto v = Q::load(y + m);
-    Q::store_pairs(out + 2 * m, v,
-                   Q::div(Q::sub(Q::load(y + m + 1), v), Q::sub(Q::load(x + m + 1), Q::load(x + m))));
-  }
-  for (; m + 2 <= m1; m += 2) {
-    const T y0 = value_at<T, Cols>(c, 0, m), y1 = value_at<T, Cols>(c, 0, m + 1);
-    const T y2 = value_at<T, Cols>(c, 0, m + 2);
-    out[2 * m] = y0;
-    out[2 * m + 1] = (y1 - y0) / (x[m + 1] - x[m]);
-    out[2 * m + 2] = y1;
-    out[2 * m + 3] = (y2 - y1) / (x[m + 2] - x[m + 1]);
-  }
-  if (m < m1) {
-    const T r = T(1) / (x[m + 1] - x[m]);
-    const T y0 = value_at<T, Cols>(c, 0, m);
-    out[2 * m] = y0;
-    out[2 * m + 1] = (value_at<T, Cols>(c, 0, m + 1) - y0) * r;
-  }
+  const bool odd = (m1 - m0) % 2 == 1;
+  auto slope4 = [&](int64_t m) {
+    return Q::div(Q::sub(Q::load(y + m + 1), Q::load(y + m)), Q::sub(Q::load(x + m + 1), Q::load(x + m)));
+  };
+  auto slope1 = [&](int64_t m) {
+    if (odd && m == m1 - 1) return (y[m + 1] - y[m]) * (T(1) / (x[m + 1] - x[m]));
+    return (y[m + 1] - y[m]) / (x[m + 1] - x[m]);
+  };
+  write_pairs(y, c.coeff[0], m0, m1, c.stream, slope4, slope1);
 }
 
 // Block k: cell block k mod cell_blocks, function block k div cell_blocks.
@@ -110,10 +139,8 @@ void linear_body(void* context, int64_t k, int32_t, int32_t) {
   const int64_t m0 = b * kCellBlock, m1 = std::min(m0 + kCellBlock, c.nx - 1);
   const int64_t j0 = f * kFunctionBlock, j1 = std::min(j0 + kFunctionBlock, c.ny);
   if (!Uniform && c.ny == 1) {
-    single_function_cells<T, Cols>(c, m0, m1);
-    return;
-  }
-  if constexpr (Cols) {
+    single_function_cells<T>(c, m0, m1);
+  } else if constexpr (Cols) {
     // Cell-major: the functions of one cell are adjacent in column storage.
     for (int64_t m = m0; m < m1; ++m) {
       const T r = Uniform ? c.inv_h : T(1) / (c.x[m + 1] - c.x[m]);
@@ -132,18 +159,14 @@ void linear_body(void* context, int64_t k, int32_t, int32_t) {
     using Q = Quad<T>;
     for (int64_t j = j0; j < j1; ++j) {
       const T* y = c.y[j];
-      T* out = c.coeff[j];
-      int64_t m = m0;
-      for (; m + 4 <= m1; m += 4) {
-        const auto v = Q::load(y + m);
-        Q::store_pairs(out + 2 * m, v, Q::mul(Q::sub(Q::load(y + m + 1), v), Q::load(r + (m - m0))));
-      }
-      for (; m < m1; ++m) {
-        out[2 * m] = y[m];
-        out[2 * m + 1] = (y[m + 1] - y[m]) * r[m - m0];
-      }
+      auto slope4 = [&](int64_t m) {
+        return Q::mul(Q::sub(Q::load(y + m + 1), Q::load(y + m)), Q::load(r + (m - m0)));
+      };
+      auto slope1 = [&](int64_t m) { return (y[m + 1] - y[m]) * r[m - m0]; };
+      write_pairs(y, c.coeff[j], m0, m1, c.stream, slope4, slope1);
     }
   }
+  if (c.stream) _mm_sfence();  // streamed stores land before the block reports done
 }
 
 template <Real T, bool Cols, bool Uniform>
@@ -160,6 +183,7 @@ oxa_status linear_routine(const DfTask& task, const DfThreading* threading) {
       if (!(value_at<T, Cols>(c, j, 0) == value_at<T, Cols>(c, j, c.nx - 1))) return DF_ERR_PERIODIC_VALUES;
 
   if constexpr (Uniform) c.inv_h = static_cast<T>(c.nx - 1) / (c.x[1] - c.x[0]);
+  c.stream = 2 * (c.nx - 1) * c.ny * static_cast<int64_t>(sizeof(T)) >= kStreamBytes;
 
   c.cell_blocks = (c.nx - 1 + kCellBlock - 1) / kCellBlock;
   const int64_t function_blocks = (c.ny + kFunctionBlock - 1) / kFunctionBlock;

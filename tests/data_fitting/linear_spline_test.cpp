@@ -112,6 +112,25 @@ TYPED_TEST(LinearSpline, ServiceThreadingAndNoThreading) {
   }
 }
 
+// Outputs of 32 MiB and more are streamed past the caches; the stores must
+// still match the formula, also for functions whose block is not aligned.
+TYPED_TEST(LinearSpline, LargeOutputs) {
+  using T = TypeParam;
+  constexpr int64_t scale = sizeof(double) / sizeof(T);
+  std::mt19937_64 g(23);
+  struct Size {
+    int64_t nx, ny;
+    bool uniform;
+  };
+  for (const Size s : {Size{70002 * scale, 31, false}, Size{2200001 * scale, 1, false},
+                       Size{70002 * scale, 31, true}}) {
+    SplineCase<T> c(s.nx, s.ny, s.uniform, false, g);
+    const DfThreading th = CountingThreading::record(2);
+    ASSERT_EQ(c.build(&th), DF_OK);
+    c.expect_coefficients();
+  }
+}
+
 // A periodic condition needs equal end values in every function; the first
 // failure leaves the coefficient memory untouched.
 TEST(LinearSplineChecks, PeriodicValues) {
