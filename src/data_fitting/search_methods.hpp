@@ -190,7 +190,7 @@ void search_sorted(int64_t nx, const T* x, int64_t* state, int64_t n, const T* s
     if (i == 0 && pos < inx - half) {
       Idx hi = inx;
       while (pos < hi - half) {
-        const Idx mid = static_cast<Idx>((pos + hi) / 2);
+        const Idx mid = static_cast<Idx>(pos + (hi - pos) / 2);
         if (x[mid] > t) hi = mid;
         else pos = mid;
       }
@@ -319,7 +319,7 @@ void search_hybrid(int64_t nx, const T* x, const DfSearchBin* bins, T ibw, int64
     Idx r, lo, hi;
     if (hybrid_bounds(nx, x, bins, ibw, site[i], &r, &lo, &hi)) {
       while (lo < hi - 40) {
-        const Idx mid = static_cast<Idx>((lo + hi) / 2);
+        const Idx mid = static_cast<Idx>(lo + (hi - lo) / 2);
         if (x[mid] > site[i]) hi = mid;
         else lo = mid;
       }

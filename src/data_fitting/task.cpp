@@ -16,9 +16,10 @@ int64_t y_pointer_count(int64_t ny, int64_t yhint) {
 // Releases the old y pointer array and builds a new one over `values`.
 template <Real T>
 oxa_status attach_values(DfTask& t, const T* values) {
+  const int64_t count = y_pointer_count(t.ny, t.yhint);
+  if (count < 1) return DF_ERR_BAD_NY;  // no functions (or a count beyond 2^31)
   release_pointer_array(t.y);
   t.y = nullptr;
-  const int64_t count = y_pointer_count(t.ny, t.yhint);
   const void** y = allocate_pointer_array<const void*>(count);
   if (y == nullptr) return DF_ERR_MEM;
   if (t.yhint == DF_STORE_DEFAULT || t.yhint == DF_STORE_ROWS) {

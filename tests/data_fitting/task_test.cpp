@@ -195,6 +195,7 @@ TEST(DfTaskEdit, Pointers) {
   TaskHolder h;
   ASSERT_EQ(oxa_df_kernel_dNewTask1D(&h.t, 3, x, 0, 0, nullptr, 0, 0), DF_OK);
   EXPECT_EQ(oxa_df_kernel_dEditPtr(h.t, DF_PTR_COEFF, c), DF_ERR_BAD_NY);  // no functions yet
+  EXPECT_EQ(oxa_df_kernel_dEditPtr(h.t, DF_PTR_Y, y), DF_ERR_BAD_NY);
   struct Case {
     int64_t id;
     const double* p;
