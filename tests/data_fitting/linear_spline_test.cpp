@@ -102,18 +102,9 @@ TYPED_TEST(LinearSpline, EveryRoutineMatchesTheFormula) {
       }
 }
 
-TYPED_TEST(LinearSpline, ServiceThreadingAndNoThreading) {
-  using T = TypeParam;
-  std::mt19937_64 g(19);
-  for (const DfThreading* th : {&oxa_serv_df_threading, static_cast<const DfThreading*>(nullptr)}) {
-    SplineCase<T> c(4097, 10, false, false, g);
-    ASSERT_EQ(c.build(th), DF_OK);
-    c.expect_coefficients();
-  }
-}
-
 // Outputs of 32 MiB and more are streamed past the caches; the stores must
-// still match the formula, also for functions whose block is not aligned.
+// still match the formula, also for functions whose block is not aligned, on
+// the service layer's threads and on the calling thread alone.
 TYPED_TEST(LinearSpline, LargeOutputs) {
   using T = TypeParam;
   constexpr int64_t scale = sizeof(double) / sizeof(T);
@@ -121,12 +112,13 @@ TYPED_TEST(LinearSpline, LargeOutputs) {
   struct Size {
     int64_t nx, ny;
     bool uniform;
+    const DfThreading* threading;
   };
-  for (const Size s : {Size{70002 * scale, 31, false}, Size{2200001 * scale, 1, false},
-                       Size{70002 * scale, 31, true}}) {
+  for (const Size s : {Size{70002 * scale, 31, false, &oxa_serv_df_threading},
+                       Size{2200001 * scale, 1, false, nullptr},
+                       Size{70002 * scale, 31, true, nullptr}}) {
     SplineCase<T> c(s.nx, s.ny, s.uniform, false, g);
-    const DfThreading th = CountingThreading::record(2);
-    ASSERT_EQ(c.build(&th), DF_OK);
+    ASSERT_EQ(c.build(s.threading), DF_OK);
     c.expect_coefficients();
   }
 }

@@ -69,16 +69,17 @@ struct SearchSetup {
   }
 };
 
-// Every method, thread count and width around each driver's threshold: the
-// cells never depend on how the work was split.
+// Every method, thread count and width around each driver's threshold, and
+// a large request: the cells never depend on how the work was split.
 TEST(SearchDispatch, CellsDoNotDependOnTheSplit) {
   std::mt19937_64 g(3);
   for (Kind kind : {Kind::kUniform, Kind::kQuasi, Kind::kSorted, Kind::kPeak, Kind::kHybrid, Kind::kUser}) {
     const SearchSetup setup(kind, 700, g);
-    for (int64_t n : {1, 31, 32, 300, 301, 601, 1201, 2001, 2181, 3001, 5001}) {
+    for (int64_t n : {1, 31, 32, 300, 301, 601, 1201, 2001, 2181, 3001, 5001, 60000}) {
       const auto s = setup.sites(n, g);
-      for (int32_t threads : {1, 2, 3, 8}) {
-        const DfThreading th = CountingThreading::record(threads);
+      for (int32_t threads : {1, 2, 3, 8, 0}) {  // 0: the service layer's real threads
+        const DfThreading counting = CountingThreading::record(threads);
+        const DfThreading& th = threads ? counting : oxa_serv_df_threading;
         std::vector<int64_t> c64(s.size(), -1);
         std::vector<int32_t> c32(s.size(), -1);
         ASSERT_EQ(setup.search(s, DF_CELL_64, c64.data(), &th), DF_OK);
@@ -209,18 +210,6 @@ TEST(SearchDispatch, UniformSites) {
     }
   }
   oxa_df_kernel_DeleteTask(&task);
-}
-
-// The service layer's threading record on real threads, large requests.
-TEST(SearchDispatch, ServiceThreadingLargeRequests) {
-  std::mt19937_64 g(11);
-  for (Kind kind : {Kind::kHybrid, Kind::kSorted, Kind::kQuasi}) {
-    const SearchSetup setup(kind, 100000, g);
-    const auto s = setup.sites(200000, g);
-    std::vector<int64_t> cells(s.size());
-    ASSERT_EQ(setup.search(s, 0, cells.data(), &oxa_serv_df_threading), DF_OK);
-    for (size_t i = 0; i < s.size(); ++i) ASSERT_EQ(cells[i], reference_cell(setup.ref, s[i])) << i;
-  }
 }
 
 // The single-precision dispatcher follows the same choice.
