@@ -142,12 +142,14 @@ typedef int32_t (*oxa_df_ssearch_callback)(int64_t nsite, const float* site, voi
                                            int32_t cell_bits, int32_t* flag, void* params);
 
 /* Places nsite sites in the task's cells. sitehint DF_SITE_SORTED promises
- * ascending sites; DF_SITE_UNIFORM means site holds only the first and last of
- * nsite equally spaced sites. datahint is NULL or an array whose element 1
+ * ascending sites; DF_SITE_UNIFORM means site holds only the first and last
+ * of nsite equally spaced sites. datahint is NULL or an array whose element 1
  * chooses the method (0 default, 1 peak search) and element 4 gives the peak
  * position in [0, nx]. cell_flags chooses the width (DF_CELL_32 or 64-bit).
  * A non-NULL callback selects the user-defined search. threading may be NULL
- * (sequential). */
+ * (sequential). Fails with DF_ERR_BAD_DATA_HINT for a bad data hint and
+ * DF_ERR_MEM when more than 4096 uniform sites cannot be materialised; passes
+ * on a user call-back's negative status. */
 oxa_status oxa_df_kernel_dDFSearch1D(DfTask* task, int32_t cell_flags, int64_t nsite,
                                      const double* site, int64_t sitehint, const double* datahint,
                                      void* cell, oxa_df_dsearch_callback callback,
@@ -215,7 +217,9 @@ oxa_status oxa_df_kernel_sDFHybridSearch1D64Pack(int64_t nx, const float* x, int
 oxa_status oxa_df_kernel_sDFHybridSearch1D(int64_t nx, const float* x, int64_t nsite, const float* site, const DfSearchBin* bins, float inv_bin_width, int32_t cell_flags, void* cell);
 
 /* User-defined: the call-back guesses, the kernel corrects unflagged sites.
- * The Uni members take a uniform partition given by its two ends. */
+ * The Uni members take a uniform partition given by its two ends. The flag
+ * array lives on the stack up to 1024 sites and is allocated above that
+ * (DF_ERR_MEM when the allocation fails, before the call-back runs). */
 oxa_status oxa_df_kernel_dDFUserDefSearch1D32(int64_t nx, const double* x, int64_t nsite, const double* site, oxa_df_dsearch_callback callback, void* params, int32_t* cell);
 oxa_status oxa_df_kernel_dDFUserDefSearch1D64(int64_t nx, const double* x, int64_t nsite, const double* site, oxa_df_dsearch_callback callback, void* params, int64_t* cell);
 oxa_status oxa_df_kernel_dDFUserDefSearch1D64Pack(int64_t nx, const double* x, int64_t nsite, const double* site, oxa_df_dsearch_callback callback, void* params, int64_t* cell);

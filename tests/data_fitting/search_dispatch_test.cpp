@@ -185,6 +185,15 @@ TEST(SearchDispatch, DataHintAndStatuses) {
   EXPECT_EQ(oxa_df_kernel_dDFSearch1D(nullptr, 0, 1, &site, 0, nullptr, nullptr, nullptr, nullptr, nullptr),
             DF_ERR_NULL_TASK);
   oxa_df_kernel_DeleteTask(&task);
+
+  // Created uniform (no table), then re-hinted without a rebuild: the hybrid
+  // search still places sites on the array it is given.
+  ASSERT_EQ(oxa_df_kernel_dNewTask1D(&task, 4, x.data(), DF_X_UNIFORM, 0, nullptr, 0, 0), DF_OK);
+  ASSERT_EQ(oxa_df_kernel_iEditVal(task, DF_PARAM_XHINT, DF_X_NO_HINT), DF_OK);
+  int64_t cell = -1;
+  EXPECT_EQ(oxa_df_kernel_dDFSearch1D(task, 0, 1, &site, 0, nullptr, &cell, nullptr, nullptr, nullptr), DF_OK);
+  EXPECT_EQ(cell, 2);
+  oxa_df_kernel_DeleteTask(&task);
 }
 
 // Uniform sites are given by their two ends, on the stack up to 4096 sites
