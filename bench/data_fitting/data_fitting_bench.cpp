@@ -36,7 +36,9 @@ std::vector<double> random_sites(const std::vector<double>& x, bool sorted) {
 }
 
 // One thread, or the service layer's threads capped at two.
-int32_t two_threads(const DfThreadingHint*) { return 2; }
+int32_t two_threads(const DfThreadingHint*) {
+  return 2;
+}
 const DfThreading kTwoThreads = {oxa_serv_df_threading.parallel_for, nullptr, nullptr, nullptr,
                                  &two_threads};
 
@@ -53,7 +55,8 @@ void BM_UpperBound(benchmark::State& state) {
   std::vector<int64_t> cell(kSites);
   for (auto _ : state) {
     for (int64_t i = 0; i < kSites; ++i)
-      cell[static_cast<size_t>(i)] = std::upper_bound(x.begin(), x.end(), s[static_cast<size_t>(i)]) - x.begin();
+      cell[static_cast<size_t>(i)] =
+          std::upper_bound(x.begin(), x.end(), s[static_cast<size_t>(i)]) - x.begin();
     benchmark::DoNotOptimize(cell.data());
   }
   report_sites(state);
@@ -103,8 +106,16 @@ void BM_Search(benchmark::State& state) {
   oxa_df_kernel_DeleteTask(&task);
 }
 
-BENCHMARK(BM_UpperBound)->ArgNames({"nx", "sorted"})->ArgsProduct({{100, 10000, 1000000}, {0, 1}})->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_BranchlessBisection)->ArgName("nx")->Arg(100)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_UpperBound)
+    ->ArgNames({"nx", "sorted"})
+    ->ArgsProduct({{100, 10000, 1000000}, {0, 1}})
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_BranchlessBisection)
+    ->ArgName("nx")
+    ->Arg(100)
+    ->Arg(10000)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Search)
     ->ArgNames({"nx", "sorted", "threads", "uniform"})
     ->ArgsProduct({{100, 10000, 1000000}, {0}, {1, 2}, {0}})
@@ -132,7 +143,8 @@ void report_spline_bytes(benchmark::State& state) {
 void BM_LinearSpline(benchmark::State& state) {
   SplineData d;
   DfTask* task = nullptr;
-  oxa_df_kernel_dNewTask1D(&task, kNx, d.x.data(), DF_X_NON_UNIFORM, kNy, d.y.data(), DF_STORE_ROWS, 0);
+  oxa_df_kernel_dNewTask1D(&task, kNx, d.x.data(), DF_X_NON_UNIFORM, kNy, d.y.data(), DF_STORE_ROWS,
+                           0);
   oxa_df_kernel_dEditPPSpline1D(task, 2, 0, 0, nullptr, 0, nullptr, d.c.data(), 0);
   const DfThreading* th = state.range(0) == 2 ? &kTwoThreads : nullptr;
   for (auto _ : state) {
@@ -153,7 +165,8 @@ void plain_function(void* ctx, int64_t j, int32_t, int32_t) {
   double* c = d.c.data() + j * 2 * (kNx - 1);
   for (int64_t m = 0; m + 1 < kNx; ++m) {
     c[2 * m] = y[m];
-    c[2 * m + 1] = (y[m + 1] - y[m]) / (d.x[static_cast<size_t>(m + 1)] - d.x[static_cast<size_t>(m)]);
+    c[2 * m + 1] =
+        (y[m + 1] - y[m]) / (d.x[static_cast<size_t>(m + 1)] - d.x[static_cast<size_t>(m)]);
   }
 }
 void BM_PlainLoop(benchmark::State& state) {
@@ -191,8 +204,23 @@ void BM_Triad(benchmark::State& state) {
   report_spline_bytes(state);
 }
 
-BENCHMARK(BM_Triad)->ArgName("threads")->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(BM_PlainLoop)->ArgName("threads")->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(BM_LinearSpline)->ArgName("threads")->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_Triad)
+    ->ArgName("threads")
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK(BM_PlainLoop)
+    ->ArgName("threads")
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK(BM_LinearSpline)
+    ->ArgName("threads")
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 }  // namespace

@@ -42,7 +42,8 @@ int tour_data_fitting(void) {
     return 1;
   }
   printf("cells of the sites (0 = left of x[0], %d = right of x[%d]):\n", NX, NX - 1);
-  for (int i = 0; i < NSITE; ++i) printf("  site %5.2f -> cell %lld\n", site[i], (long long)cell[i]);
+  for (int i = 0; i < NSITE; ++i)
+    printf("  site %5.2f -> cell %lld\n", site[i], (long long)cell[i]);
   oxa_df_kernel_DeleteTask(&task);
   return 0;
 }

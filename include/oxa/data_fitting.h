@@ -165,77 +165,174 @@ oxa_status oxa_df_kernel_sDFSearch1D(DfTask* task, int32_t cell_flags, int64_t n
  * taking cell_flags. nsite < 1 writes nothing.
  *
  * Uniform: x holds the two ends of the partition; inv = (nx-1)/(x[1]-x[0]). */
-oxa_status oxa_df_kernel_dDFUniformSearch1D32(int64_t nx, const double* x, int64_t nsite, const double* site, double inv, int32_t* cell);
-oxa_status oxa_df_kernel_dDFUniformSearch1D64(int64_t nx, const double* x, int64_t nsite, const double* site, double inv, int64_t* cell);
-oxa_status oxa_df_kernel_dDFUniformSearch1D64Pack(int64_t nx, const double* x, int64_t nsite, const double* site, double inv, int64_t* cell);
-oxa_status oxa_df_kernel_dDFUniformSearch1D(int64_t nx, const double* x, int64_t nsite, const double* site, double inv, int32_t cell_flags, void* cell);
-oxa_status oxa_df_kernel_sDFUniformSearch1D32(int64_t nx, const float* x, int64_t nsite, const float* site, float inv, int32_t* cell);
-oxa_status oxa_df_kernel_sDFUniformSearch1D64(int64_t nx, const float* x, int64_t nsite, const float* site, float inv, int64_t* cell);
-oxa_status oxa_df_kernel_sDFUniformSearch1D64Pack(int64_t nx, const float* x, int64_t nsite, const float* site, float inv, int64_t* cell);
-oxa_status oxa_df_kernel_sDFUniformSearch1D(int64_t nx, const float* x, int64_t nsite, const float* site, float inv, int32_t cell_flags, void* cell);
+oxa_status oxa_df_kernel_dDFUniformSearch1D32(int64_t nx, const double* x, int64_t nsite,
+                                              const double* site, double inv, int32_t* cell);
+oxa_status oxa_df_kernel_dDFUniformSearch1D64(int64_t nx, const double* x, int64_t nsite,
+                                              const double* site, double inv, int64_t* cell);
+oxa_status oxa_df_kernel_dDFUniformSearch1D64Pack(int64_t nx, const double* x, int64_t nsite,
+                                                  const double* site, double inv, int64_t* cell);
+oxa_status oxa_df_kernel_dDFUniformSearch1D(int64_t nx, const double* x, int64_t nsite,
+                                            const double* site, double inv, int32_t cell_flags,
+                                            void* cell);
+oxa_status oxa_df_kernel_sDFUniformSearch1D32(int64_t nx, const float* x, int64_t nsite,
+                                              const float* site, float inv, int32_t* cell);
+oxa_status oxa_df_kernel_sDFUniformSearch1D64(int64_t nx, const float* x, int64_t nsite,
+                                              const float* site, float inv, int64_t* cell);
+oxa_status oxa_df_kernel_sDFUniformSearch1D64Pack(int64_t nx, const float* x, int64_t nsite,
+                                                  const float* site, float inv, int64_t* cell);
+oxa_status oxa_df_kernel_sDFUniformSearch1D(int64_t nx, const float* x, int64_t nsite,
+                                            const float* site, float inv, int32_t cell_flags,
+                                            void* cell);
 
 /* Quasi-uniform: inv = (nx-1)/(x[nx-1]-x[0]). */
-oxa_status oxa_df_kernel_dDFQuasiUniformSearch1D32(int64_t nx, const double* x, int64_t nsite, const double* site, double inv, int32_t* cell);
-oxa_status oxa_df_kernel_dDFQuasiUniformSearch1D64(int64_t nx, const double* x, int64_t nsite, const double* site, double inv, int64_t* cell);
-oxa_status oxa_df_kernel_dDFQuasiUniformSearch1D64Pack(int64_t nx, const double* x, int64_t nsite, const double* site, double inv, int64_t* cell);
-oxa_status oxa_df_kernel_dDFQuasiUniformSearch1D(int64_t nx, const double* x, int64_t nsite, const double* site, double inv, int32_t cell_flags, void* cell);
-oxa_status oxa_df_kernel_sDFQuasiUniformSearch1D32(int64_t nx, const float* x, int64_t nsite, const float* site, float inv, int32_t* cell);
-oxa_status oxa_df_kernel_sDFQuasiUniformSearch1D64(int64_t nx, const float* x, int64_t nsite, const float* site, float inv, int64_t* cell);
-oxa_status oxa_df_kernel_sDFQuasiUniformSearch1D64Pack(int64_t nx, const float* x, int64_t nsite, const float* site, float inv, int64_t* cell);
-oxa_status oxa_df_kernel_sDFQuasiUniformSearch1D(int64_t nx, const float* x, int64_t nsite, const float* site, float inv, int32_t cell_flags, void* cell);
+oxa_status oxa_df_kernel_dDFQuasiUniformSearch1D32(int64_t nx, const double* x, int64_t nsite,
+                                                   const double* site, double inv, int32_t* cell);
+oxa_status oxa_df_kernel_dDFQuasiUniformSearch1D64(int64_t nx, const double* x, int64_t nsite,
+                                                   const double* site, double inv, int64_t* cell);
+oxa_status oxa_df_kernel_dDFQuasiUniformSearch1D64Pack(int64_t nx, const double* x, int64_t nsite,
+                                                       const double* site, double inv,
+                                                       int64_t* cell);
+oxa_status oxa_df_kernel_dDFQuasiUniformSearch1D(int64_t nx, const double* x, int64_t nsite,
+                                                 const double* site, double inv, int32_t cell_flags,
+                                                 void* cell);
+oxa_status oxa_df_kernel_sDFQuasiUniformSearch1D32(int64_t nx, const float* x, int64_t nsite,
+                                                   const float* site, float inv, int32_t* cell);
+oxa_status oxa_df_kernel_sDFQuasiUniformSearch1D64(int64_t nx, const float* x, int64_t nsite,
+                                                   const float* site, float inv, int64_t* cell);
+oxa_status oxa_df_kernel_sDFQuasiUniformSearch1D64Pack(int64_t nx, const float* x, int64_t nsite,
+                                                       const float* site, float inv, int64_t* cell);
+oxa_status oxa_df_kernel_sDFQuasiUniformSearch1D(int64_t nx, const float* x, int64_t nsite,
+                                                 const float* site, float inv, int32_t cell_flags,
+                                                 void* cell);
 
 /* Sorted (ascending sites): *state is the cell to start from; on return it
  * holds the position where the last scan stopped. */
-oxa_status oxa_df_kernel_dDFSortedSearch1D32(int64_t nx, const double* x, int64_t nsite, const double* site, int64_t* state, int32_t* cell);
-oxa_status oxa_df_kernel_dDFSortedSearch1D64(int64_t nx, const double* x, int64_t nsite, const double* site, int64_t* state, int64_t* cell);
-oxa_status oxa_df_kernel_dDFSortedSearch1D64Pack(int64_t nx, const double* x, int64_t nsite, const double* site, int64_t* state, int64_t* cell);
-oxa_status oxa_df_kernel_dDFSortedSearch1D(int64_t nx, const double* x, int64_t nsite, const double* site, int64_t* state, int32_t cell_flags, void* cell);
-oxa_status oxa_df_kernel_sDFSortedSearch1D32(int64_t nx, const float* x, int64_t nsite, const float* site, int64_t* state, int32_t* cell);
-oxa_status oxa_df_kernel_sDFSortedSearch1D64(int64_t nx, const float* x, int64_t nsite, const float* site, int64_t* state, int64_t* cell);
-oxa_status oxa_df_kernel_sDFSortedSearch1D64Pack(int64_t nx, const float* x, int64_t nsite, const float* site, int64_t* state, int64_t* cell);
-oxa_status oxa_df_kernel_sDFSortedSearch1D(int64_t nx, const float* x, int64_t nsite, const float* site, int64_t* state, int32_t cell_flags, void* cell);
+oxa_status oxa_df_kernel_dDFSortedSearch1D32(int64_t nx, const double* x, int64_t nsite,
+                                             const double* site, int64_t* state, int32_t* cell);
+oxa_status oxa_df_kernel_dDFSortedSearch1D64(int64_t nx, const double* x, int64_t nsite,
+                                             const double* site, int64_t* state, int64_t* cell);
+oxa_status oxa_df_kernel_dDFSortedSearch1D64Pack(int64_t nx, const double* x, int64_t nsite,
+                                                 const double* site, int64_t* state, int64_t* cell);
+oxa_status oxa_df_kernel_dDFSortedSearch1D(int64_t nx, const double* x, int64_t nsite,
+                                           const double* site, int64_t* state, int32_t cell_flags,
+                                           void* cell);
+oxa_status oxa_df_kernel_sDFSortedSearch1D32(int64_t nx, const float* x, int64_t nsite,
+                                             const float* site, int64_t* state, int32_t* cell);
+oxa_status oxa_df_kernel_sDFSortedSearch1D64(int64_t nx, const float* x, int64_t nsite,
+                                             const float* site, int64_t* state, int64_t* cell);
+oxa_status oxa_df_kernel_sDFSortedSearch1D64Pack(int64_t nx, const float* x, int64_t nsite,
+                                                 const float* site, int64_t* state, int64_t* cell);
+oxa_status oxa_df_kernel_sDFSortedSearch1D(int64_t nx, const float* x, int64_t nsite,
+                                           const float* site, int64_t* state, int32_t cell_flags,
+                                           void* cell);
 
 /* Peak: most sites lie near breakpoint index peak (0 <= peak <= nx). */
-oxa_status oxa_df_kernel_dDFPeakSearch1D32(int64_t nx, const double* x, int64_t nsite, const double* site, int64_t peak, int32_t* cell);
-oxa_status oxa_df_kernel_dDFPeakSearch1D64(int64_t nx, const double* x, int64_t nsite, const double* site, int64_t peak, int64_t* cell);
-oxa_status oxa_df_kernel_dDFPeakSearch1D64Pack(int64_t nx, const double* x, int64_t nsite, const double* site, int64_t peak, int64_t* cell);
-oxa_status oxa_df_kernel_dDFPeakSearch1D(int64_t nx, const double* x, int64_t nsite, const double* site, int64_t peak, int32_t cell_flags, void* cell);
-oxa_status oxa_df_kernel_sDFPeakSearch1D32(int64_t nx, const float* x, int64_t nsite, const float* site, int64_t peak, int32_t* cell);
-oxa_status oxa_df_kernel_sDFPeakSearch1D64(int64_t nx, const float* x, int64_t nsite, const float* site, int64_t peak, int64_t* cell);
-oxa_status oxa_df_kernel_sDFPeakSearch1D64Pack(int64_t nx, const float* x, int64_t nsite, const float* site, int64_t peak, int64_t* cell);
-oxa_status oxa_df_kernel_sDFPeakSearch1D(int64_t nx, const float* x, int64_t nsite, const float* site, int64_t peak, int32_t cell_flags, void* cell);
+oxa_status oxa_df_kernel_dDFPeakSearch1D32(int64_t nx, const double* x, int64_t nsite,
+                                           const double* site, int64_t peak, int32_t* cell);
+oxa_status oxa_df_kernel_dDFPeakSearch1D64(int64_t nx, const double* x, int64_t nsite,
+                                           const double* site, int64_t peak, int64_t* cell);
+oxa_status oxa_df_kernel_dDFPeakSearch1D64Pack(int64_t nx, const double* x, int64_t nsite,
+                                               const double* site, int64_t peak, int64_t* cell);
+oxa_status oxa_df_kernel_dDFPeakSearch1D(int64_t nx, const double* x, int64_t nsite,
+                                         const double* site, int64_t peak, int32_t cell_flags,
+                                         void* cell);
+oxa_status oxa_df_kernel_sDFPeakSearch1D32(int64_t nx, const float* x, int64_t nsite,
+                                           const float* site, int64_t peak, int32_t* cell);
+oxa_status oxa_df_kernel_sDFPeakSearch1D64(int64_t nx, const float* x, int64_t nsite,
+                                           const float* site, int64_t peak, int64_t* cell);
+oxa_status oxa_df_kernel_sDFPeakSearch1D64Pack(int64_t nx, const float* x, int64_t nsite,
+                                               const float* site, int64_t peak, int64_t* cell);
+oxa_status oxa_df_kernel_sDFPeakSearch1D(int64_t nx, const float* x, int64_t nsite,
+                                         const float* site, int64_t peak, int32_t cell_flags,
+                                         void* cell);
 
 /* Hybrid: bisection narrowed by an accelerator table (1026 entries, as a task
  * builds it) and its inverse bin width. */
-oxa_status oxa_df_kernel_dDFHybridSearch1D32(int64_t nx, const double* x, int64_t nsite, const double* site, const DfSearchBin* bins, double inv_bin_width, int32_t* cell);
-oxa_status oxa_df_kernel_dDFHybridSearch1D64(int64_t nx, const double* x, int64_t nsite, const double* site, const DfSearchBin* bins, double inv_bin_width, int64_t* cell);
-oxa_status oxa_df_kernel_dDFHybridSearch1D64Pack(int64_t nx, const double* x, int64_t nsite, const double* site, const DfSearchBin* bins, double inv_bin_width, int64_t* cell);
-oxa_status oxa_df_kernel_dDFHybridSearch1D(int64_t nx, const double* x, int64_t nsite, const double* site, const DfSearchBin* bins, double inv_bin_width, int32_t cell_flags, void* cell);
-oxa_status oxa_df_kernel_sDFHybridSearch1D32(int64_t nx, const float* x, int64_t nsite, const float* site, const DfSearchBin* bins, float inv_bin_width, int32_t* cell);
-oxa_status oxa_df_kernel_sDFHybridSearch1D64(int64_t nx, const float* x, int64_t nsite, const float* site, const DfSearchBin* bins, float inv_bin_width, int64_t* cell);
-oxa_status oxa_df_kernel_sDFHybridSearch1D64Pack(int64_t nx, const float* x, int64_t nsite, const float* site, const DfSearchBin* bins, float inv_bin_width, int64_t* cell);
-oxa_status oxa_df_kernel_sDFHybridSearch1D(int64_t nx, const float* x, int64_t nsite, const float* site, const DfSearchBin* bins, float inv_bin_width, int32_t cell_flags, void* cell);
+oxa_status oxa_df_kernel_dDFHybridSearch1D32(int64_t nx, const double* x, int64_t nsite,
+                                             const double* site, const DfSearchBin* bins,
+                                             double inv_bin_width, int32_t* cell);
+oxa_status oxa_df_kernel_dDFHybridSearch1D64(int64_t nx, const double* x, int64_t nsite,
+                                             const double* site, const DfSearchBin* bins,
+                                             double inv_bin_width, int64_t* cell);
+oxa_status oxa_df_kernel_dDFHybridSearch1D64Pack(int64_t nx, const double* x, int64_t nsite,
+                                                 const double* site, const DfSearchBin* bins,
+                                                 double inv_bin_width, int64_t* cell);
+oxa_status oxa_df_kernel_dDFHybridSearch1D(int64_t nx, const double* x, int64_t nsite,
+                                           const double* site, const DfSearchBin* bins,
+                                           double inv_bin_width, int32_t cell_flags, void* cell);
+oxa_status oxa_df_kernel_sDFHybridSearch1D32(int64_t nx, const float* x, int64_t nsite,
+                                             const float* site, const DfSearchBin* bins,
+                                             float inv_bin_width, int32_t* cell);
+oxa_status oxa_df_kernel_sDFHybridSearch1D64(int64_t nx, const float* x, int64_t nsite,
+                                             const float* site, const DfSearchBin* bins,
+                                             float inv_bin_width, int64_t* cell);
+oxa_status oxa_df_kernel_sDFHybridSearch1D64Pack(int64_t nx, const float* x, int64_t nsite,
+                                                 const float* site, const DfSearchBin* bins,
+                                                 float inv_bin_width, int64_t* cell);
+oxa_status oxa_df_kernel_sDFHybridSearch1D(int64_t nx, const float* x, int64_t nsite,
+                                           const float* site, const DfSearchBin* bins,
+                                           float inv_bin_width, int32_t cell_flags, void* cell);
 
 /* User-defined: the call-back guesses, the kernel corrects unflagged sites.
  * The Uni members take a uniform partition given by its two ends. The flag
  * array lives on the stack up to 1024 sites and is allocated above that
  * (DF_ERR_MEM when the allocation fails, before the call-back runs). */
-oxa_status oxa_df_kernel_dDFUserDefSearch1D32(int64_t nx, const double* x, int64_t nsite, const double* site, oxa_df_dsearch_callback callback, void* params, int32_t* cell);
-oxa_status oxa_df_kernel_dDFUserDefSearch1D64(int64_t nx, const double* x, int64_t nsite, const double* site, oxa_df_dsearch_callback callback, void* params, int64_t* cell);
-oxa_status oxa_df_kernel_dDFUserDefSearch1D64Pack(int64_t nx, const double* x, int64_t nsite, const double* site, oxa_df_dsearch_callback callback, void* params, int64_t* cell);
-oxa_status oxa_df_kernel_dDFUserDefSearch1D(int64_t nx, const double* x, int64_t nsite, const double* site, oxa_df_dsearch_callback callback, void* params, int32_t cell_flags, void* cell);
-oxa_status oxa_df_kernel_sDFUserDefSearch1D32(int64_t nx, const float* x, int64_t nsite, const float* site, oxa_df_ssearch_callback callback, void* params, int32_t* cell);
-oxa_status oxa_df_kernel_sDFUserDefSearch1D64(int64_t nx, const float* x, int64_t nsite, const float* site, oxa_df_ssearch_callback callback, void* params, int64_t* cell);
-oxa_status oxa_df_kernel_sDFUserDefSearch1D64Pack(int64_t nx, const float* x, int64_t nsite, const float* site, oxa_df_ssearch_callback callback, void* params, int64_t* cell);
-oxa_status oxa_df_kernel_sDFUserDefSearch1D(int64_t nx, const float* x, int64_t nsite, const float* site, oxa_df_ssearch_callback callback, void* params, int32_t cell_flags, void* cell);
-oxa_status oxa_df_kernel_dDFUniUserDefSearch1D32(int64_t nx, const double* x, int64_t nsite, const double* site, oxa_df_dsearch_callback callback, void* params, int32_t* cell);
-oxa_status oxa_df_kernel_dDFUniUserDefSearch1D64(int64_t nx, const double* x, int64_t nsite, const double* site, oxa_df_dsearch_callback callback, void* params, int64_t* cell);
-oxa_status oxa_df_kernel_dDFUniUserDefSearch1D64Pack(int64_t nx, const double* x, int64_t nsite, const double* site, oxa_df_dsearch_callback callback, void* params, int64_t* cell);
-oxa_status oxa_df_kernel_dDFUniUserDefSearch1D(int64_t nx, const double* x, int64_t nsite, const double* site, oxa_df_dsearch_callback callback, void* params, int32_t cell_flags, void* cell);
-oxa_status oxa_df_kernel_sDFUniUserDefSearch1D32(int64_t nx, const float* x, int64_t nsite, const float* site, oxa_df_ssearch_callback callback, void* params, int32_t* cell);
-oxa_status oxa_df_kernel_sDFUniUserDefSearch1D64(int64_t nx, const float* x, int64_t nsite, const float* site, oxa_df_ssearch_callback callback, void* params, int64_t* cell);
-oxa_status oxa_df_kernel_sDFUniUserDefSearch1D64Pack(int64_t nx, const float* x, int64_t nsite, const float* site, oxa_df_ssearch_callback callback, void* params, int64_t* cell);
-oxa_status oxa_df_kernel_sDFUniUserDefSearch1D(int64_t nx, const float* x, int64_t nsite, const float* site, oxa_df_ssearch_callback callback, void* params, int32_t cell_flags, void* cell);
+oxa_status oxa_df_kernel_dDFUserDefSearch1D32(int64_t nx, const double* x, int64_t nsite,
+                                              const double* site, oxa_df_dsearch_callback callback,
+                                              void* params, int32_t* cell);
+oxa_status oxa_df_kernel_dDFUserDefSearch1D64(int64_t nx, const double* x, int64_t nsite,
+                                              const double* site, oxa_df_dsearch_callback callback,
+                                              void* params, int64_t* cell);
+oxa_status oxa_df_kernel_dDFUserDefSearch1D64Pack(int64_t nx, const double* x, int64_t nsite,
+                                                  const double* site,
+                                                  oxa_df_dsearch_callback callback, void* params,
+                                                  int64_t* cell);
+oxa_status oxa_df_kernel_dDFUserDefSearch1D(int64_t nx, const double* x, int64_t nsite,
+                                            const double* site, oxa_df_dsearch_callback callback,
+                                            void* params, int32_t cell_flags, void* cell);
+oxa_status oxa_df_kernel_sDFUserDefSearch1D32(int64_t nx, const float* x, int64_t nsite,
+                                              const float* site, oxa_df_ssearch_callback callback,
+                                              void* params, int32_t* cell);
+oxa_status oxa_df_kernel_sDFUserDefSearch1D64(int64_t nx, const float* x, int64_t nsite,
+                                              const float* site, oxa_df_ssearch_callback callback,
+                                              void* params, int64_t* cell);
+oxa_status oxa_df_kernel_sDFUserDefSearch1D64Pack(int64_t nx, const float* x, int64_t nsite,
+                                                  const float* site,
+                                                  oxa_df_ssearch_callback callback, void* params,
+                                                  int64_t* cell);
+oxa_status oxa_df_kernel_sDFUserDefSearch1D(int64_t nx, const float* x, int64_t nsite,
+                                            const float* site, oxa_df_ssearch_callback callback,
+                                            void* params, int32_t cell_flags, void* cell);
+oxa_status oxa_df_kernel_dDFUniUserDefSearch1D32(int64_t nx, const double* x, int64_t nsite,
+                                                 const double* site,
+                                                 oxa_df_dsearch_callback callback, void* params,
+                                                 int32_t* cell);
+oxa_status oxa_df_kernel_dDFUniUserDefSearch1D64(int64_t nx, const double* x, int64_t nsite,
+                                                 const double* site,
+                                                 oxa_df_dsearch_callback callback, void* params,
+                                                 int64_t* cell);
+oxa_status oxa_df_kernel_dDFUniUserDefSearch1D64Pack(int64_t nx, const double* x, int64_t nsite,
+                                                     const double* site,
+                                                     oxa_df_dsearch_callback callback, void* params,
+                                                     int64_t* cell);
+oxa_status oxa_df_kernel_dDFUniUserDefSearch1D(int64_t nx, const double* x, int64_t nsite,
+                                               const double* site, oxa_df_dsearch_callback callback,
+                                               void* params, int32_t cell_flags, void* cell);
+oxa_status oxa_df_kernel_sDFUniUserDefSearch1D32(int64_t nx, const float* x, int64_t nsite,
+                                                 const float* site,
+                                                 oxa_df_ssearch_callback callback, void* params,
+                                                 int32_t* cell);
+oxa_status oxa_df_kernel_sDFUniUserDefSearch1D64(int64_t nx, const float* x, int64_t nsite,
+                                                 const float* site,
+                                                 oxa_df_ssearch_callback callback, void* params,
+                                                 int64_t* cell);
+oxa_status oxa_df_kernel_sDFUniUserDefSearch1D64Pack(int64_t nx, const float* x, int64_t nsite,
+                                                     const float* site,
+                                                     oxa_df_ssearch_callback callback, void* params,
+                                                     int64_t* cell);
+oxa_status oxa_df_kernel_sDFUniUserDefSearch1D(int64_t nx, const float* x, int64_t nsite,
+                                               const float* site, oxa_df_ssearch_callback callback,
+                                               void* params, int32_t cell_flags, void* cell);
 
 /* ---- Linear spline construction ----------------------------------------- */
 

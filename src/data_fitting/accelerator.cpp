@@ -33,7 +33,7 @@ void build_accelerator(DfTask& task) {
     // from the gap filling as 0, looser but still valid.
     if (b == 0) continue;
     if (e[b - 1].hi == -1) e[b - 1].hi = i;  // first breakpoint beyond bin b-1
-    e[b + 1].lo = i;                           // last breakpoint before bin b+1
+    e[b + 1].lo = i;                         // last breakpoint before bin b+1
   }
   e[nbins - 1].hi = nx - 1;
 

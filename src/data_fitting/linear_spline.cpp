@@ -77,15 +77,17 @@ struct LinearContext {
   const T* x;
   const T* const* y;
   T* const* coeff;
-  T inv_h;     // uniform partition only
-  bool stream; // output large enough to bypass the caches
+  T inv_h;      // uniform partition only
+  bool stream;  // output large enough to bypass the caches
 };
 
 // Value of function j at breakpoint i.
 template <Real T, bool Cols>
 inline T value_at(const LinearContext<T>& c, int64_t j, int64_t i) {
-  if constexpr (Cols) return c.y[0][i * c.ny + j];
-  else return c.y[j][i];
+  if constexpr (Cols)
+    return c.y[0][i * c.ny + j];
+  else
+    return c.y[j][i];
 }
 
 // Writes the (value, slope) pairs of cells [m, m1) of one function from its
@@ -122,7 +124,8 @@ void single_function_cells(const LinearContext<T>& c, int64_t m0, int64_t m1) {
   const T* y = c.y[0];
   const bool odd = (m1 - m0) % 2 == 1;
   auto slope4 = [&](int64_t m) {
-    return Q::div(Q::sub(Q::load(y + m + 1), Q::load(y + m)), Q::sub(Q::load(x + m + 1), Q::load(x + m)));
+    return Q::div(Q::sub(Q::load(y + m + 1), Q::load(y + m)),
+                  Q::sub(Q::load(x + m + 1), Q::load(x + m)));
   };
   auto slope1 = [&](int64_t m) {
     if (odd && m == m1 - 1) return (y[m + 1] - y[m]) * (T(1) / (x[m + 1] - x[m]));
@@ -154,8 +157,7 @@ void linear_body(void* context, int64_t k, int32_t, int32_t) {
     // Function-major over the block: r is computed once per cell, kept on the
     // stack and reused by the block's functions.
     T r[kCellBlock];
-    for (int64_t m = m0; m < m1; ++m)
-      r[m - m0] = Uniform ? c.inv_h : T(1) / (c.x[m + 1] - c.x[m]);
+    for (int64_t m = m0; m < m1; ++m) r[m - m0] = Uniform ? c.inv_h : T(1) / (c.x[m + 1] - c.x[m]);
     using Q = Quad<T>;
     for (int64_t j = j0; j < j1; ++j) {
       const T* y = c.y[j];
@@ -180,7 +182,8 @@ oxa_status linear_routine(const DfTask& task, const DfThreading* threading) {
 
   if (task.bc_type == DF_BC_PERIODIC)
     for (int64_t j = 0; j < c.ny; ++j)
-      if (!(value_at<T, Cols>(c, j, 0) == value_at<T, Cols>(c, j, c.nx - 1))) return DF_ERR_PERIODIC_VALUES;
+      if (!(value_at<T, Cols>(c, j, 0) == value_at<T, Cols>(c, j, c.nx - 1)))
+        return DF_ERR_PERIODIC_VALUES;
 
   if constexpr (Uniform) c.inv_h = static_cast<T>(c.nx - 1) / (c.x[1] - c.x[0]);
   c.stream = 2 * (c.nx - 1) * c.ny * static_cast<int64_t>(sizeof(T)) >= kStreamBytes;
@@ -213,6 +216,18 @@ oxa_status linear_routine(const DfTask& task, const DfThreading* threading) {
   return DF_OK;
 }
 
+// The four routines, by value storage and partition kind; each hands its
+// linear_body instance (_v1DLinearThreader<storage><grid>) to the threads.
+using LinearRoutine = oxa_status (*)(const DfTask&, const DfThreading*);
+template <Real T>
+constexpr LinearRoutine _v1DLSLinearYColsNoUniformGrid = &linear_routine<T, true, false>;
+template <Real T>
+constexpr LinearRoutine _v1DLSLinearYColsUniformGrid = &linear_routine<T, true, true>;
+template <Real T>
+constexpr LinearRoutine _v1DLSLinearYRowsNoUniformGrid = &linear_routine<T, false, false>;
+template <Real T>
+constexpr LinearRoutine _v1DLSLinearYRowsUniformGrid = &linear_routine<T, false, true>;
+
 template <Real T>
 oxa_status linear_spline(DfTask* task, const void* extra, const DfThreading* threading) {
   if (task == nullptr) return DF_ERR_NULL_TASK;
@@ -222,13 +237,12 @@ oxa_status linear_spline(DfTask* task, const void* extra, const DfThreading* thr
   // Without values or coefficient pointers there is nothing to read or write.
   if (task->y == nullptr) return DF_ERR_BAD_Y;
   if (task->scoeff == nullptr) return DF_ERR_BAD_COEFF;
-  using Routine = oxa_status (*)(const DfTask&, const DfThreading*);
   // Indexed by (uniform partition ? 1 : 0) + (column storage ? 0 : 2).
-  static constexpr Routine routines[4] = {
-      &linear_routine<T, true, false>,   // _v1DLSLinearYColsNoUniformGrid
-      &linear_routine<T, true, true>,    // _v1DLSLinearYColsUniformGrid
-      &linear_routine<T, false, false>,  // _v1DLSLinearYRowsNoUniformGrid
-      &linear_routine<T, false, true>,   // _v1DLSLinearYRowsUniformGrid
+  static constexpr LinearRoutine routines[4] = {
+      _v1DLSLinearYColsNoUniformGrid<T>,
+      _v1DLSLinearYColsUniformGrid<T>,
+      _v1DLSLinearYRowsNoUniformGrid<T>,
+      _v1DLSLinearYRowsUniformGrid<T>,
   };
   const int index = ((task->xhint & DF_X_UNIFORM) ? 1 : 0) + (task->yhint == DF_STORE_COLS ? 0 : 2);
   return routines[index](*task, threading);

@@ -87,8 +87,8 @@ oxa_status dispatch(DfTask* task, int32_t flags, int64_t nsite, const T* site, i
     j.site = site;
   }
 
-  const oxa_status s = nsite >= 32 ? search_driver<T>(j.method)(j, threading)
-                                   : search_range(j, 0, nsite, &state);
+  const oxa_status s =
+      nsite >= 32 ? search_driver<T>(j.method)(j, threading) : search_range(j, 0, nsite, &state);
   if (sites != nullptr && sites != stack_sites) oxa_serv_deallocate(sites);
   return s;
 }

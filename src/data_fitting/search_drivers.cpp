@@ -17,9 +17,9 @@ int32_t threads_available(const DfThreading* th) {
 template <Real T>
 struct ChunkContext {
   const SearchJob<T>* job;
-  int64_t chunk;             // sites per chunk
-  int64_t last_chunk;        // index of the last chunk
-  int64_t last_pos;          // sorted: where the last chunk's scan stopped
+  int64_t chunk;       // sites per chunk
+  int64_t last_chunk;  // index of the last chunk
+  int64_t last_pos;    // sorted: where the last chunk's scan stopped
 };
 
 // Body of one chunk. Sorted chunks start from cell 0 (always a valid start
@@ -35,9 +35,12 @@ void chunk_body(void* context, int64_t index, int32_t, int32_t) {
 template <Real T>
 oxa_parallel_body chunk_body_for(Width w) {
   switch (w) {
-    case Width::k32: return &chunk_body<T, Cells32>;
-    case Width::k64: return &chunk_body<T, Cells64>;
-    case Width::k64Pack: break;
+    case Width::k32:
+      return &chunk_body<T, Cells32>;
+    case Width::k64:
+      return &chunk_body<T, Cells64>;
+    case Width::k64Pack:
+      break;
   }
   return &chunk_body<T, Cells64Pack>;
 }
@@ -63,7 +66,7 @@ oxa_status run_chunks(const SearchJob<T>& job, const DfThreading* th, int32_t th
 }
 
 template <Real T>
-oxa_status drive_uniform(const SearchJob<T>& j, const DfThreading* th) {
+oxa_status _v1DSearchUniform(const SearchJob<T>& j, const DfThreading* th) {
   const int32_t t = threads_available(th);
   const int32_t threads = j.nsite > 5000 && t > 1 ? t : 1;
   return run_chunks(j, th, threads, j.nsite / threads);
@@ -72,16 +75,17 @@ oxa_status drive_uniform(const SearchJob<T>& j, const DfThreading* th) {
 // Quasi-uniform: on a small partition (nx < 600) the walks are short and
 // cached, so a chunk must hold at least 1000 sites to pay for a thread.
 template <Real T>
-oxa_status drive_quasi_uniform(const SearchJob<T>& j, const DfThreading* th) {
+oxa_status _v1DSearchQuasiUniform(const SearchJob<T>& j, const DfThreading* th) {
   const int32_t t = threads_available(th);
   int32_t threads = j.nsite >= 301 && t >= 2 ? t : 1;
-  if (j.nx < 600 && threads > 1) threads = static_cast<int32_t>(std::min<int64_t>(t, j.nsite / 1000));
+  if (j.nx < 600 && threads > 1)
+    threads = static_cast<int32_t>(std::min<int64_t>(t, j.nsite / 1000));
   if (threads < 1) threads = 1;
   return run_chunks(j, th, threads, j.nsite / threads);
 }
 
 template <Real T>
-oxa_status drive_sorted(const SearchJob<T>& j, const DfThreading* th) {
+oxa_status _v1DSearchSorted(const SearchJob<T>& j, const DfThreading* th) {
   const int32_t t = threads_available(th);
   const int32_t threads = j.nsite > 3000 && t >= 2 ? t : 1;
   return run_chunks(j, th, threads, j.nsite / threads);
@@ -90,7 +94,7 @@ oxa_status drive_sorted(const SearchJob<T>& j, const DfThreading* th) {
 // Peak: the second size is nx. The pair (nsite >= 1201, nx >= 301) is implied
 // by nsite >= 1201 and kept only for the record.
 template <Real T>
-oxa_status drive_peak(const SearchJob<T>& j, const DfThreading* th) {
+oxa_status _v1DSearchPeak(const SearchJob<T>& j, const DfThreading* th) {
   const int32_t t = threads_available(th);
   const bool big = j.nsite >= 1201 || j.nx >= 1201 || (j.nsite >= 1201 && j.nx >= 301);
   const int32_t threads = big && t > 1 ? t : 1;
@@ -101,7 +105,7 @@ oxa_status drive_peak(const SearchJob<T>& j, const DfThreading* th) {
 // blocks of 128 sites the chunks are whole blocks (⌊blocks/T⌋ each, on
 // min(blocks, T) threads); below that a plain ⌊nsite/T⌋ split.
 template <Real T>
-oxa_status drive_hybrid(const SearchJob<T>& j, const DfThreading* th) {
+oxa_status _v1DSearchHybrid(const SearchJob<T>& j, const DfThreading* th) {
   const int32_t t = threads_available(th);
   const int64_t n = j.nsite;
   const bool parallel =
@@ -115,8 +119,10 @@ oxa_status drive_hybrid(const SearchJob<T>& j, const DfThreading* th) {
   return run_chunks(j, th, t, n / t);
 }
 
+// User-defined searches run on the calling thread: the call-back sees the
+// whole site array at once. The same driver serves both partition kinds.
 template <Real T>
-oxa_status drive_sequential(const SearchJob<T>& j, const DfThreading* th) {
+oxa_status _v1DSearchUserDef(const SearchJob<T>& j, const DfThreading* th) {
   return run_chunks(j, th, 1, j.nsite);
 }
 
@@ -127,8 +133,13 @@ oxa_status drive_sequential(const SearchJob<T>& j, const DfThreading* th) {
 template <Real T>
 SearchDriver<T> search_driver(Method m) {
   static constexpr SearchDriver<T> table[7] = {
-      &drive_uniform<T>, &drive_quasi_uniform<T>, &drive_sorted<T>,      &drive_peak<T>,
-      &drive_hybrid<T>,  &drive_sequential<T>,    &drive_sequential<T>,
+      &_v1DSearchUniform<T>,
+      &_v1DSearchQuasiUniform<T>,
+      &_v1DSearchSorted<T>,
+      &_v1DSearchPeak<T>,
+      &_v1DSearchHybrid<T>,
+      &_v1DSearchUserDef<T>,
+      &_v1DSearchUserDef<T> /* uniform */,
   };
   return table[static_cast<int32_t>(m)];
 }

@@ -25,13 +25,13 @@ struct SearchJob {
   const T* site;
   void* cell;  // int32_t or int64_t elements, by width
   Width width;
-  T inv;                        // uniform, quasi-uniform
-  int64_t* state;               // sorted: start cell in, last scan position out
-  int64_t peak;                 // peak
-  const DfSearchBin* bins;      // hybrid
-  T inv_bin_width;              // hybrid
-  SearchCallback<T> callback;   // user-defined
-  void* callback_params;        // user-defined
+  T inv;                       // uniform, quasi-uniform
+  int64_t* state;              // sorted: start cell in, last scan position out
+  int64_t peak;                // peak
+  const DfSearchBin* bins;     // hybrid
+  T inv_bin_width;             // hybrid
+  SearchCallback<T> callback;  // user-defined
+  void* callback_params;       // user-defined
 };
 
 // Searches sites [begin, begin + n) of the job with its method's sequential
@@ -43,10 +43,18 @@ oxa_status search_range(const SearchJob<T>& j, int64_t begin, int64_t n, int64_t
   const T* s = j.site + begin;
   typename W::Out* c = static_cast<typename W::Out*>(j.cell) + begin;
   switch (j.method) {
-    case Method::kUniform: search_uniform<T, W>(j.nx, j.x, j.inv, n, s, c); return DF_OK;
-    case Method::kQuasiUniform: search_quasi_uniform<T, W>(j.nx, j.x, j.inv, n, s, c); return DF_OK;
-    case Method::kSorted: search_sorted<T, W>(j.nx, j.x, pos, n, s, c); return DF_OK;
-    case Method::kPeak: search_peak<T, W>(j.nx, j.x, j.peak, n, s, c); return DF_OK;
+    case Method::kUniform:
+      search_uniform<T, W>(j.nx, j.x, j.inv, n, s, c);
+      return DF_OK;
+    case Method::kQuasiUniform:
+      search_quasi_uniform<T, W>(j.nx, j.x, j.inv, n, s, c);
+      return DF_OK;
+    case Method::kSorted:
+      search_sorted<T, W>(j.nx, j.x, pos, n, s, c);
+      return DF_OK;
+    case Method::kPeak:
+      search_peak<T, W>(j.nx, j.x, j.peak, n, s, c);
+      return DF_OK;
     case Method::kHybrid:
       search_hybrid<T, W>(j.nx, j.x, j.bins, j.inv_bin_width, n, s, c);
       return DF_OK;
@@ -62,9 +70,12 @@ oxa_status search_range(const SearchJob<T>& j, int64_t begin, int64_t n, int64_t
 template <Real T>
 oxa_status search_range(const SearchJob<T>& j, int64_t begin, int64_t n, int64_t* pos) {
   switch (j.width) {
-    case Width::k32: return search_range<T, Cells32>(j, begin, n, pos);
-    case Width::k64: return search_range<T, Cells64>(j, begin, n, pos);
-    case Width::k64Pack: return search_range<T, Cells64Pack>(j, begin, n, pos);
+    case Width::k32:
+      return search_range<T, Cells32>(j, begin, n, pos);
+    case Width::k64:
+      return search_range<T, Cells64>(j, begin, n, pos);
+    case Width::k64Pack:
+      return search_range<T, Cells64Pack>(j, begin, n, pos);
   }
   return DF_OK;
 }

@@ -110,7 +110,8 @@ inline Idx guess(T t, T x0, T inv, int64_t nx) {
 // Uniform (method 0): cell = trunc(inv·(t − x0)) + 1, at most nx. x holds the
 // two ends; no other breakpoint is read.
 template <Real T, class W>
-void search_uniform(int64_t nx, const T* x, T inv, int64_t n, const T* site, typename W::Out* cell) {
+void search_uniform(int64_t nx, const T* x, T inv, int64_t n, const T* site,
+                    typename W::Out* cell) {
   using Idx = typename W::Idx;
   const T x0 = x[0], xl = x[1];
   for (int64_t i = 0; i < n; ++i) {
@@ -157,7 +158,8 @@ inline int64_t count_le(const T* p, int64_t n, T t) {
   for (; k + 4 <= n; k += 4) {
     int mask;
     if constexpr (std::is_same_v<T, double>)
-      mask = _mm256_movemask_pd(_mm256_cmp_pd(_mm256_loadu_pd(p + k), _mm256_set1_pd(t), _CMP_LE_OQ));
+      mask =
+          _mm256_movemask_pd(_mm256_cmp_pd(_mm256_loadu_pd(p + k), _mm256_set1_pd(t), _CMP_LE_OQ));
     else
       mask = _mm_movemask_ps(_mm_cmp_ps(_mm_loadu_ps(p + k), _mm_set1_ps(t), _CMP_LE_OQ));
     if (mask != 0xF) return c + std::popcount(static_cast<unsigned>(mask));
@@ -191,8 +193,10 @@ void search_sorted(int64_t nx, const T* x, int64_t* state, int64_t n, const T* s
       Idx hi = inx;
       while (pos < hi - half) {
         const Idx mid = static_cast<Idx>(pos + (hi - pos) / 2);
-        if (x[mid] > t) hi = mid;
-        else pos = mid;
+        if (x[mid] > t)
+          hi = mid;
+        else
+          pos = mid;
       }
     }
     pos += static_cast<Idx>(count_le(x + pos, inx - pos, t));  // the forward scan
@@ -270,8 +274,8 @@ struct ProbeLanes<float> {
 // lanes to a gather, without branches: on a large partition the cache misses
 // of sixteen sites overlap instead of queueing one after the other.
 template <Real T, class W>
-void search_hybrid(int64_t nx, const T* x, const DfSearchBin* bins, T ibw, int64_t n,
-                   const T* site, typename W::Out* cell) {
+void search_hybrid(int64_t nx, const T* x, const DfSearchBin* bins, T ibw, int64_t n, const T* site,
+                   typename W::Out* cell) {
   using Idx = typename W::Idx;
   using L = ProbeLanes<T>;
   constexpr int64_t kLanes = 4, kQuads = 4, kGroup = kLanes * kQuads;
@@ -311,17 +315,19 @@ void search_hybrid(int64_t nx, const T* x, const DfSearchBin* bins, T ibw, int64
       _mm256_store_si256(reinterpret_cast<__m256i*>(hi + kLanes * q), vhi[q]);
     }
     for (int64_t k = 0; k < kGroup; ++k)
-      cell[i + k] = open[k] ? hybrid_finish(x, site[i + k], static_cast<Idx>(lo[k]),
-                                            static_cast<Idx>(hi[k]))
-                            : r[k];
+      cell[i + k] =
+          open[k] ? hybrid_finish(x, site[i + k], static_cast<Idx>(lo[k]), static_cast<Idx>(hi[k]))
+                  : r[k];
   }
   for (; i < n; ++i) {
     Idx r, lo, hi;
     if (hybrid_bounds(nx, x, bins, ibw, site[i], &r, &lo, &hi)) {
       while (lo < hi - 40) {
         const Idx mid = static_cast<Idx>(lo + (hi - lo) / 2);
-        if (x[mid] > site[i]) hi = mid;
-        else lo = mid;
+        if (x[mid] > site[i])
+          hi = mid;
+        else
+          lo = mid;
       }
       r = hybrid_finish(x, site[i], lo, hi);
     }

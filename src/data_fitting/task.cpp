@@ -1,8 +1,8 @@
 // Task creation, deletion, editors and queries. One template per operation
 // serves the double and the single forms; they differ only in element type.
-#include <cstring>
-
 #include "data_fitting/task.hpp"
+
+#include <cstring>
 
 namespace oxa::df {
 namespace {
@@ -51,8 +51,8 @@ oxa_status attach_coefficients(DfTask& t, T* base, int64_t scoeffhint) {
 }
 
 template <Real T>
-oxa_status new_task(DfTask** out, int64_t nx, const T* x, int64_t xhint, int64_t ny,
-                    const T* y, int64_t yhint, uint32_t int64_output) {
+oxa_status new_task(DfTask** out, int64_t nx, const T* x, int64_t xhint, int64_t ny, const T* y,
+                    int64_t yhint, uint32_t int64_output) {
   if (nx < 2) return DF_ERR_BAD_NX;
   if (x == nullptr) return DF_ERR_BAD_X;
   if (xhint != DF_X_NO_HINT && xhint != DF_X_UNIFORM && xhint != DF_X_NON_UNIFORM &&
@@ -123,12 +123,23 @@ oxa_status query_ptr(DfTask* t, int64_t id, const T** out) {
   if (t->dimension != 1) return DF_OK;
   const void* p = nullptr;
   switch (id) {
-    case DF_PTR_X: p = t->x; break;
-    case DF_PTR_Y: p = t->y ? t->y[0] : nullptr; break;
-    case DF_PTR_IC: p = t->ic; break;
-    case DF_PTR_BC: p = t->bc; break;
-    case DF_PTR_COEFF: p = t->scoeff ? t->scoeff[0] : nullptr; break;
-    default: return DF_ERR_BAD_PARAM_ID;
+    case DF_PTR_X:
+      p = t->x;
+      break;
+    case DF_PTR_Y:
+      p = t->y ? t->y[0] : nullptr;
+      break;
+    case DF_PTR_IC:
+      p = t->ic;
+      break;
+    case DF_PTR_BC:
+      p = t->bc;
+      break;
+    case DF_PTR_COEFF:
+      p = t->scoeff ? t->scoeff[0] : nullptr;
+      break;
+    default:
+      return DF_ERR_BAD_PARAM_ID;
   }
   *out = static_cast<const T*>(p);
   return DF_OK;
@@ -148,7 +159,8 @@ oxa_status edit_idx_ptr(DfTask* t, int64_t id, int64_t index, const T* p) {
     if (index >= pointer_capacity(t->y)) return t->y ? DF_ERR_BAD_INDEX : DF_ERR_BAD_Y;
     t->y[index] = p;
   } else {
-    if (index >= pointer_capacity(t->scoeff)) return t->scoeff ? DF_ERR_BAD_INDEX : DF_ERR_BAD_COEFF;
+    if (index >= pointer_capacity(t->scoeff))
+      return t->scoeff ? DF_ERR_BAD_INDEX : DF_ERR_BAD_COEFF;
     t->scoeff[index] = const_cast<T*>(p);
   }
   return DF_OK;
@@ -180,9 +192,8 @@ oxa_status query_idx_ptr(DfTask* t, int64_t id, int64_t index, const T** out) {
 }
 
 template <Real T>
-oxa_status edit_pp_spline(DfTask* t, int64_t s_order, int64_t s_type, int64_t bc_type,
-                          const T* bc, int64_t ic_type, const T* ic, T* scoeff,
-                          int64_t scoeffhint) {
+oxa_status edit_pp_spline(DfTask* t, int64_t s_order, int64_t s_type, int64_t bc_type, const T* bc,
+                          int64_t ic_type, const T* ic, T* scoeff, int64_t scoeffhint) {
   if (t == nullptr) return DF_ERR_NULL_TASK;
   if (s_order < 0) return DF_ERR_BAD_ORDER;
   if (s_type < 0) return DF_ERR_BAD_TYPE;
@@ -216,8 +227,10 @@ oxa_status edit_val(DfTask* t, int64_t id, int64_t v) {
       if (v != 0 && v != 1 && v != 2 && v != 4) return DF_ERR_BAD_X_HINT;
       t->xhint = v;
       if (v == DF_X_NON_UNIFORM) {
-        if (t->precision == 1) build_accelerator<double>(*t);
-        else build_accelerator<float>(*t);
+        if (t->precision == 1)
+          build_accelerator<double>(*t);
+        else
+          build_accelerator<float>(*t);
       }
       return DF_OK;
     case DF_PARAM_NY:
@@ -263,17 +276,38 @@ oxa_status query_val(DfTask* t, int64_t id, void* out) {
   if (t->dimension != 1) return DF_OK;
   int64_t v = 0;
   switch (id) {
-    case DF_PARAM_NX: v = t->nx; break;
-    case DF_PARAM_XHINT: v = t->xhint; break;
-    case DF_PARAM_NY: v = t->ny; break;
-    case DF_PARAM_YHINT: v = t->yhint; break;
-    case DF_PARAM_ORDER: v = t->s_order; break;
-    case DF_PARAM_TYPE: v = t->s_type; break;
-    case DF_PARAM_IC_TYPE: v = t->ic_type; break;
-    case DF_PARAM_BC_TYPE: v = t->bc_type; break;
-    case DF_PARAM_COEFF_HINT: v = t->scoeffhint; break;
-    case DF_PARAM_AUX_FLAG: v = t->aux_flag; break;
-    default: return DF_ERR_BAD_PARAM_ID;
+    case DF_PARAM_NX:
+      v = t->nx;
+      break;
+    case DF_PARAM_XHINT:
+      v = t->xhint;
+      break;
+    case DF_PARAM_NY:
+      v = t->ny;
+      break;
+    case DF_PARAM_YHINT:
+      v = t->yhint;
+      break;
+    case DF_PARAM_ORDER:
+      v = t->s_order;
+      break;
+    case DF_PARAM_TYPE:
+      v = t->s_type;
+      break;
+    case DF_PARAM_IC_TYPE:
+      v = t->ic_type;
+      break;
+    case DF_PARAM_BC_TYPE:
+      v = t->bc_type;
+      break;
+    case DF_PARAM_COEFF_HINT:
+      v = t->scoeffhint;
+      break;
+    case DF_PARAM_AUX_FLAG:
+      v = t->aux_flag;
+      break;
+    default:
+      return DF_ERR_BAD_PARAM_ID;
   }
   if (t->int64_output != 0) {
     std::memcpy(out, &v, sizeof v);
@@ -311,13 +345,25 @@ oxa_status oxa_df_kernel_DeleteTask(DfTask** ref) {
   return DF_OK;
 }
 
-oxa_status oxa_df_kernel_iEditVal(DfTask* t, int64_t id, int64_t v) { return edit_val(t, id, v); }
-oxa_status oxa_df_kernel_iQueryVal(DfTask* t, int64_t id, void* out) { return query_val(t, id, out); }
+oxa_status oxa_df_kernel_iEditVal(DfTask* t, int64_t id, int64_t v) {
+  return edit_val(t, id, v);
+}
+oxa_status oxa_df_kernel_iQueryVal(DfTask* t, int64_t id, void* out) {
+  return query_val(t, id, out);
+}
 
-oxa_status oxa_df_kernel_dEditPtr(DfTask* t, int64_t id, const double* p) { return edit_ptr(t, id, p); }
-oxa_status oxa_df_kernel_sEditPtr(DfTask* t, int64_t id, const float* p) { return edit_ptr(t, id, p); }
-oxa_status oxa_df_kernel_dQueryPtr(DfTask* t, int64_t id, const double** o) { return query_ptr(t, id, o); }
-oxa_status oxa_df_kernel_sQueryPtr(DfTask* t, int64_t id, const float** o) { return query_ptr(t, id, o); }
+oxa_status oxa_df_kernel_dEditPtr(DfTask* t, int64_t id, const double* p) {
+  return edit_ptr(t, id, p);
+}
+oxa_status oxa_df_kernel_sEditPtr(DfTask* t, int64_t id, const float* p) {
+  return edit_ptr(t, id, p);
+}
+oxa_status oxa_df_kernel_dQueryPtr(DfTask* t, int64_t id, const double** o) {
+  return query_ptr(t, id, o);
+}
+oxa_status oxa_df_kernel_sQueryPtr(DfTask* t, int64_t id, const float** o) {
+  return query_ptr(t, id, o);
+}
 
 oxa_status oxa_df_kernel_dEditIdxPtr(DfTask* t, int64_t id, int64_t i, const double* p) {
   return edit_idx_ptr(t, id, i, p);
@@ -333,13 +379,13 @@ oxa_status oxa_df_kernel_sQueryIdxPtr(DfTask* t, int64_t id, int64_t i, const fl
 }
 
 oxa_status oxa_df_kernel_dEditPPSpline1D(DfTask* t, int64_t order, int64_t type, int64_t bct,
-                                         const double* bc, int64_t ict, const double* ic,
-                                         double* c, int64_t chint) {
+                                         const double* bc, int64_t ict, const double* ic, double* c,
+                                         int64_t chint) {
   return edit_pp_spline(t, order, type, bct, bc, ict, ic, c, chint);
 }
 oxa_status oxa_df_kernel_sEditPPSpline1D(DfTask* t, int64_t order, int64_t type, int64_t bct,
-                                         const float* bc, int64_t ict, const float* ic,
-                                         float* c, int64_t chint) {
+                                         const float* bc, int64_t ict, const float* ic, float* c,
+                                         int64_t chint) {
   return edit_pp_spline(t, order, type, bct, bc, ict, ic, c, chint);
 }
 

@@ -16,10 +16,10 @@ struct DfTask {
   int32_t precision;      // 1 double task, 0 single task
   int32_t dimension;      // always 1; editors succeed silently otherwise
   int64_t nx;
-  const void* x;          // user breakpoints (two ends for a uniform partition)
+  const void* x;  // user breakpoints (two ends for a uniform partition)
   int64_t xhint;
   int64_t ny;
-  const void** y;         // owned array of pointers into the user's values
+  const void** y;  // owned array of pointers into the user's values
   int64_t yhint;
   int64_t s_order;
   int64_t s_type;
@@ -27,15 +27,15 @@ struct DfTask {
   const void* ic;
   int64_t bc_type;
   const void* bc;
-  void** scoeff;          // owned array of pointers into the user's coefficients
+  void** scoeff;  // owned array of pointers into the user's coefficients
   int64_t scoeffhint;
   int32_t aux_flag;
-  int64_t nbins;          // 0 for a task created with a uniform partition
-  DfSearchBin* bins;      // owned, kBinEntries entries
+  int64_t nbins;      // 0 for a task created with a uniform partition
+  DfSearchBin* bins;  // owned, kBinEntries entries
   union {
     double d;
     float s;
-  } inv_bin_width;        // in the task's precision
+  } inv_bin_width;  // in the task's precision
 };
 
 namespace oxa::df {
@@ -48,14 +48,18 @@ concept Real = std::is_same_v<T, double> || std::is_same_v<T, float>;
 
 template <Real T>
 T& inv_bin_width(DfTask& t) {
-  if constexpr (std::is_same_v<T, double>) return t.inv_bin_width.d;
-  else return t.inv_bin_width.s;
+  if constexpr (std::is_same_v<T, double>)
+    return t.inv_bin_width.d;
+  else
+    return t.inv_bin_width.s;
 }
 
 template <Real T>
 T inv_bin_width(const DfTask& t) {
-  if constexpr (std::is_same_v<T, double>) return t.inv_bin_width.d;
-  else return t.inv_bin_width.s;
+  if constexpr (std::is_same_v<T, double>)
+    return t.inv_bin_width.d;
+  else
+    return t.inv_bin_width.s;
 }
 
 inline bool is_storage_hint(int64_t h) {
@@ -87,8 +91,9 @@ P* allocate_pointer_array(int64_t n) {
 
 template <class P>
 int64_t pointer_capacity(P* array) {
-  return array == nullptr ? 0 : *reinterpret_cast<const int64_t*>(
-                                    reinterpret_cast<const char*>(array) - kAlign);
+  return array == nullptr
+             ? 0
+             : *reinterpret_cast<const int64_t*>(reinterpret_cast<const char*>(array) - kAlign);
 }
 
 template <class P>

@@ -56,8 +56,13 @@ std::vector<T> clustered_partition(int64_t nx, std::mt19937_64& g) {
 template <class T>
 std::vector<T> awkward_sites(const std::vector<T>& x, std::mt19937_64& g, size_t random_count) {
   const T inf = std::numeric_limits<T>::infinity();
-  std::vector<T> s{x.front() - 1, x.back() + 1, -inf, inf, std::numeric_limits<T>::quiet_NaN(),
-                   std::nextafter(x.front(), -inf), std::nextafter(x.back(), inf)};
+  std::vector<T> s{x.front() - 1,
+                   x.back() + 1,
+                   -inf,
+                   inf,
+                   std::numeric_limits<T>::quiet_NaN(),
+                   std::nextafter(x.front(), -inf),
+                   std::nextafter(x.back(), inf)};
   for (size_t i = 0; i < x.size(); ++i) {
     s.push_back(x[i]);
     if (i + 1 < x.size()) s.push_back(x[i] + (x[i + 1] - x[i]) / 2);

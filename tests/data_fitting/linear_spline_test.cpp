@@ -32,11 +32,15 @@ struct SplineCase {
     const int64_t xhint = uniform ? DF_X_UNIFORM : DF_X_NON_UNIFORM;
     const int64_t yhint = cols ? DF_STORE_COLS : DF_STORE_ROWS;
     if constexpr (std::is_same_v<T, double>) {
-      EXPECT_EQ(oxa_df_kernel_dNewTask1D(&task, nx, x.data(), xhint, ny, y.data(), yhint, 0), DF_OK);
-      EXPECT_EQ(oxa_df_kernel_dEditPPSpline1D(task, 2, 0, 0, nullptr, 0, nullptr, coeff.data(), 0), DF_OK);
+      EXPECT_EQ(oxa_df_kernel_dNewTask1D(&task, nx, x.data(), xhint, ny, y.data(), yhint, 0),
+                DF_OK);
+      EXPECT_EQ(oxa_df_kernel_dEditPPSpline1D(task, 2, 0, 0, nullptr, 0, nullptr, coeff.data(), 0),
+                DF_OK);
     } else {
-      EXPECT_EQ(oxa_df_kernel_sNewTask1D(&task, nx, x.data(), xhint, ny, y.data(), yhint, 0), DF_OK);
-      EXPECT_EQ(oxa_df_kernel_sEditPPSpline1D(task, 2, 0, 0, nullptr, 0, nullptr, coeff.data(), 0), DF_OK);
+      EXPECT_EQ(oxa_df_kernel_sNewTask1D(&task, nx, x.data(), xhint, ny, y.data(), yhint, 0),
+                DF_OK);
+      EXPECT_EQ(oxa_df_kernel_sEditPPSpline1D(task, 2, 0, 0, nullptr, 0, nullptr, coeff.data(), 0),
+                DF_OK);
     }
   }
   ~SplineCase() { oxa_df_kernel_DeleteTask(&task); }
@@ -46,8 +50,10 @@ struct SplineCase {
   }
 
   oxa_status build(const DfThreading* th) {
-    if constexpr (std::is_same_v<T, double>) return oxa_df_kernel_dDFLinearSpline1D(task, 0, nullptr, th);
-    else return oxa_df_kernel_sDFLinearSpline1D(task, 0, nullptr, th);
+    if constexpr (std::is_same_v<T, double>)
+      return oxa_df_kernel_dDFLinearSpline1D(task, 0, nullptr, th);
+    else
+      return oxa_df_kernel_sDFLinearSpline1D(task, 0, nullptr, th);
   }
 
   // The slope forms: uniform dy·inv_h; several functions dy·(1/dx); one
@@ -59,9 +65,12 @@ struct SplineCase {
         const T dy = value(j, m + 1) - value(j, m);
         const T dx = ref[static_cast<size_t>(m + 1)] - ref[static_cast<size_t>(m)];
         T slope;
-        if (uniform) slope = dy * inv_h;
-        else if (ny > 1 || ((nx - 1) % 2 == 1 && m == nx - 2)) slope = dy * (T(1) / dx);
-        else slope = dy / dx;
+        if (uniform)
+          slope = dy * inv_h;
+        else if (ny > 1 || ((nx - 1) % 2 == 1 && m == nx - 2))
+          slope = dy * (T(1) / dx);
+        else
+          slope = dy / dx;
         const size_t at = static_cast<size_t>(j * 2 * (nx - 1) + 2 * m);
         ASSERT_EQ(coeff[at], value(j, m)) << "f " << j << " cell " << m;
         ASSERT_EQ(coeff[at + 1], slope) << "f " << j << " cell " << m;
@@ -81,7 +90,7 @@ TYPED_TEST(LinearSpline, EveryRoutineMatchesTheFormula) {
   struct Size {
     int64_t nx, ny, iterations;
   };
-  const Size sizes[] = {{2, 1, 1}, {2, 3, 1}, {127, 1, 1}, {128, 1, 1}, {1025, 4, 1},
+  const Size sizes[] = {{2, 1, 1},    {2, 3, 1},    {127, 1, 1},  {128, 1, 1}, {1025, 4, 1},
                         {1026, 4, 2}, {1026, 9, 6}, {5000, 1, 5}, {3001, 7, 6}};
   std::mt19937_64 g(17);
   for (bool uniform : {false, true})
@@ -114,9 +123,9 @@ TYPED_TEST(LinearSpline, LargeOutputs) {
     bool uniform;
     const DfThreading* threading;
   };
-  for (const Size s : {Size{70002 * scale, 31, false, &oxa_serv_df_threading},
-                       Size{2200001 * scale, 1, false, nullptr},
-                       Size{70002 * scale, 31, true, nullptr}}) {
+  for (const Size s :
+       {Size{70002 * scale, 31, false, &oxa_serv_df_threading},
+        Size{2200001 * scale, 1, false, nullptr}, Size{70002 * scale, 31, true, nullptr}}) {
     SplineCase<T> c(s.nx, s.ny, s.uniform, false, g);
     ASSERT_EQ(c.build(s.threading), DF_OK);
     c.expect_coefficients();
@@ -140,7 +149,9 @@ TEST(LinearSplineChecks, PeriodicValues) {
     std::vector<double> coeff(8, -777.0);
     DfTask* task = nullptr;
     ASSERT_EQ(oxa_df_kernel_dNewTask1D(&task, 3, x, DF_X_NON_UNIFORM, 2, k.y.data(), 0, 0), DF_OK);
-    ASSERT_EQ(oxa_df_kernel_dEditPPSpline1D(task, 2, 0, DF_BC_PERIODIC, nullptr, 0, nullptr, coeff.data(), 0), DF_OK);
+    ASSERT_EQ(oxa_df_kernel_dEditPPSpline1D(task, 2, 0, DF_BC_PERIODIC, nullptr, 0, nullptr,
+                                            coeff.data(), 0),
+              DF_OK);
     EXPECT_EQ(oxa_df_kernel_dDFLinearSpline1D(task, 0, nullptr, nullptr), k.status);
     if (k.status != DF_OK) {
       EXPECT_EQ(coeff, std::vector<double>(8, -777.0));
@@ -156,7 +167,8 @@ TEST(LinearSplineChecks, EntryChecks) {
   double coeff[4];
   DfTask* task = nullptr;
   ASSERT_EQ(oxa_df_kernel_dNewTask1D(&task, 3, x, DF_X_NON_UNIFORM, 1, y, 0, 0), DF_OK);
-  EXPECT_EQ(oxa_df_kernel_dDFLinearSpline1D(task, 0, nullptr, nullptr), DF_ERR_BAD_COEFF);  // nothing attached
+  EXPECT_EQ(oxa_df_kernel_dDFLinearSpline1D(task, 0, nullptr, nullptr),
+            DF_ERR_BAD_COEFF);  // nothing attached
   ASSERT_EQ(oxa_df_kernel_dEditPPSpline1D(task, 2, 0, 0, nullptr, 0, nullptr, coeff, 0), DF_OK);
   EXPECT_EQ(oxa_df_kernel_dDFLinearSpline1D(task, 0, x, nullptr), DF_ERR_UNEXPECTED_ARG);
   EXPECT_EQ(oxa_df_kernel_dDFLinearSpline1D(nullptr, 0, nullptr, nullptr), DF_ERR_NULL_TASK);

@@ -17,8 +17,10 @@ enum class Kind { kUniform, kQuasi, kSorted, kPeak, kHybrid, kUser };
 int32_t guess_zero(int64_t n, const double* site, void* cell, int32_t bits, int32_t*, void*) {
   for (int64_t i = 0; i < n; ++i) {
     (void)site;
-    if (bits == 32) static_cast<int32_t*>(cell)[i] = 0;
-    else static_cast<int64_t*>(cell)[i] = 0;
+    if (bits == 32)
+      static_cast<int32_t*>(cell)[i] = 0;
+    else
+      static_cast<int64_t*>(cell)[i] = 0;
   }
   return 0;
 }
@@ -73,7 +75,8 @@ struct SearchSetup {
 // a large request: the cells never depend on how the work was split.
 TEST(SearchDispatch, CellsDoNotDependOnTheSplit) {
   std::mt19937_64 g(3);
-  for (Kind kind : {Kind::kUniform, Kind::kQuasi, Kind::kSorted, Kind::kPeak, Kind::kHybrid, Kind::kUser}) {
+  for (Kind kind :
+       {Kind::kUniform, Kind::kQuasi, Kind::kSorted, Kind::kPeak, Kind::kHybrid, Kind::kUser}) {
     const SearchSetup setup(kind, 700, g);
     for (int64_t n : {1, 31, 32, 300, 301, 601, 1201, 2001, 2181, 3001, 5001, 60000}) {
       const auto s = setup.sites(n, g);
@@ -86,8 +89,10 @@ TEST(SearchDispatch, CellsDoNotDependOnTheSplit) {
         ASSERT_EQ(setup.search(s, DF_CELL_32, c32.data(), &th), DF_OK);
         for (size_t i = 0; i < s.size(); ++i) {
           const int64_t want = reference_cell(setup.ref, s[i]);
-          ASSERT_EQ(c64[i], want) << "kind " << int(kind) << " n " << n << " T " << threads << " i " << i;
-          ASSERT_EQ(c32[i], want) << "kind " << int(kind) << " n " << n << " T " << threads << " i " << i;
+          ASSERT_EQ(c64[i], want) << "kind " << int(kind) << " n " << n << " T " << threads << " i "
+                                  << i;
+          ASSERT_EQ(c32[i], want) << "kind " << int(kind) << " n " << n << " T " << threads << " i "
+                                  << i;
         }
       }
     }
@@ -103,16 +108,16 @@ TEST(SearchDispatch, DriverThresholds) {
     int64_t chunks;  // 0: sequential
   };
   const Case cases[] = {
-      {Kind::kUniform, 50, 5000, 2, 0},   {Kind::kUniform, 50, 5001, 2, 2},
-      {Kind::kUniform, 50, 9000, 1, 0},   {Kind::kSorted, 50, 3000, 2, 0},
-      {Kind::kSorted, 50, 3001, 3, 3},    {Kind::kQuasi, 700, 300, 2, 0},
-      {Kind::kQuasi, 700, 301, 2, 2},     {Kind::kQuasi, 100, 301, 2, 0},
-      {Kind::kQuasi, 100, 2000, 8, 2},    {Kind::kPeak, 700, 1200, 2, 0},
-      {Kind::kPeak, 700, 1201, 2, 2},     {Kind::kPeak, 1300, 40, 2, 2},
-      {Kind::kHybrid, 50, 2000, 8, 0},    {Kind::kHybrid, 50, 2001, 8, 8},
-      {Kind::kHybrid, 50, 600, 4, 0},     {Kind::kHybrid, 50, 601, 4, 4},
-      {Kind::kHybrid, 50, 601, 5, 0},     {Kind::kHybrid, 50, 301, 2, 2},
-      {Kind::kHybrid, 50, 301, 3, 0},     {Kind::kHybrid, 50, 128 * 17 + 5, 32, 17},
+      {Kind::kUniform, 50, 5000, 2, 0}, {Kind::kUniform, 50, 5001, 2, 2},
+      {Kind::kUniform, 50, 9000, 1, 0}, {Kind::kSorted, 50, 3000, 2, 0},
+      {Kind::kSorted, 50, 3001, 3, 3},  {Kind::kQuasi, 700, 300, 2, 0},
+      {Kind::kQuasi, 700, 301, 2, 2},   {Kind::kQuasi, 100, 301, 2, 0},
+      {Kind::kQuasi, 100, 2000, 8, 2},  {Kind::kPeak, 700, 1200, 2, 0},
+      {Kind::kPeak, 700, 1201, 2, 2},   {Kind::kPeak, 1300, 40, 2, 2},
+      {Kind::kHybrid, 50, 2000, 8, 0},  {Kind::kHybrid, 50, 2001, 8, 8},
+      {Kind::kHybrid, 50, 600, 4, 0},   {Kind::kHybrid, 50, 601, 4, 4},
+      {Kind::kHybrid, 50, 601, 5, 0},   {Kind::kHybrid, 50, 301, 2, 2},
+      {Kind::kHybrid, 50, 301, 3, 0},   {Kind::kHybrid, 50, 128 * 17 + 5, 32, 17},
       {Kind::kUser, 50, 9000, 8, 0},
   };
   std::mt19937_64 g(5);
@@ -147,9 +152,10 @@ TEST(SearchDispatch, SmallWorkedExamples) {
     DfTask* task = nullptr;
     ASSERT_EQ(oxa_df_kernel_dNewTask1D(&task, c.nx, c.x.data(), c.xhint, 0, nullptr, 0, 0), DF_OK);
     std::vector<int64_t> cells(c.sites.size());
-    ASSERT_EQ(oxa_df_kernel_dDFSearch1D(task, 0, static_cast<int64_t>(c.sites.size()), c.sites.data(),
-                                        0, nullptr, cells.data(), nullptr, nullptr, nullptr),
-              DF_OK);
+    ASSERT_EQ(
+        oxa_df_kernel_dDFSearch1D(task, 0, static_cast<int64_t>(c.sites.size()), c.sites.data(), 0,
+                                  nullptr, cells.data(), nullptr, nullptr, nullptr),
+        DF_OK);
     EXPECT_EQ(cells, c.cells);
     oxa_df_kernel_DeleteTask(&task);
   }
@@ -158,31 +164,39 @@ TEST(SearchDispatch, SmallWorkedExamples) {
 TEST(SearchDispatch, DataHintAndStatuses) {
   const std::vector<double> x{0, 1, 2, 3};
   DfTask* task = nullptr;
-  ASSERT_EQ(oxa_df_kernel_dNewTask1D(&task, 4, x.data(), DF_X_NON_UNIFORM, 0, nullptr, 0, 0), DF_OK);
+  ASSERT_EQ(oxa_df_kernel_dNewTask1D(&task, 4, x.data(), DF_X_NON_UNIFORM, 0, nullptr, 0, 0),
+            DF_OK);
   const double nan = std::numeric_limits<double>::quiet_NaN();
   struct Case {
     std::vector<double> hint;
     oxa_status status;
   };
   const Case cases[] = {
-      {{0, 0, 0, 0, 99}, DF_OK},   {{0, 1, 0, 0, 0}, DF_OK},
-      {{0, 1, 0, 0, 4}, DF_OK},    {{0, 1, 0, 0, 5}, DF_ERR_BAD_DATA_HINT},
-      {{0, 1, 0, 0, -0.5}, DF_ERR_BAD_DATA_HINT}, {{0, 1, 0, 0, nan}, DF_ERR_BAD_DATA_HINT},
-      {{0, 2, 0, 0, 0}, DF_ERR_BAD_DATA_HINT},    {{0, nan, 0, 0, 0}, DF_ERR_BAD_DATA_HINT},
+      {{0, 0, 0, 0, 99}, DF_OK},
+      {{0, 1, 0, 0, 0}, DF_OK},
+      {{0, 1, 0, 0, 4}, DF_OK},
+      {{0, 1, 0, 0, 5}, DF_ERR_BAD_DATA_HINT},
+      {{0, 1, 0, 0, -0.5}, DF_ERR_BAD_DATA_HINT},
+      {{0, 1, 0, 0, nan}, DF_ERR_BAD_DATA_HINT},
+      {{0, 2, 0, 0, 0}, DF_ERR_BAD_DATA_HINT},
+      {{0, nan, 0, 0, 0}, DF_ERR_BAD_DATA_HINT},
   };
   const double site = 1.5;
   for (const Case& c : cases) {
     int64_t cell = -1;
-    EXPECT_EQ(oxa_df_kernel_dDFSearch1D(task, 0, 1, &site, 0, c.hint.data(), &cell, nullptr, nullptr, nullptr),
+    EXPECT_EQ(oxa_df_kernel_dDFSearch1D(task, 0, 1, &site, 0, c.hint.data(), &cell, nullptr,
+                                        nullptr, nullptr),
               c.status);
     if (c.status == DF_OK) {
       EXPECT_EQ(cell, 2);
     }
     // The check comes before the site count: an empty request fails alike.
-    EXPECT_EQ(oxa_df_kernel_dDFSearch1D(task, 0, 0, &site, 0, c.hint.data(), &cell, nullptr, nullptr, nullptr),
+    EXPECT_EQ(oxa_df_kernel_dDFSearch1D(task, 0, 0, &site, 0, c.hint.data(), &cell, nullptr,
+                                        nullptr, nullptr),
               c.status);
   }
-  EXPECT_EQ(oxa_df_kernel_dDFSearch1D(nullptr, 0, 1, &site, 0, nullptr, nullptr, nullptr, nullptr, nullptr),
+  EXPECT_EQ(oxa_df_kernel_dDFSearch1D(nullptr, 0, 1, &site, 0, nullptr, nullptr, nullptr, nullptr,
+                                      nullptr),
             DF_ERR_NULL_TASK);
   oxa_df_kernel_DeleteTask(&task);
 
@@ -191,7 +205,9 @@ TEST(SearchDispatch, DataHintAndStatuses) {
   ASSERT_EQ(oxa_df_kernel_dNewTask1D(&task, 4, x.data(), DF_X_UNIFORM, 0, nullptr, 0, 0), DF_OK);
   ASSERT_EQ(oxa_df_kernel_iEditVal(task, DF_PARAM_XHINT, DF_X_NO_HINT), DF_OK);
   int64_t cell = -1;
-  EXPECT_EQ(oxa_df_kernel_dDFSearch1D(task, 0, 1, &site, 0, nullptr, &cell, nullptr, nullptr, nullptr), DF_OK);
+  EXPECT_EQ(
+      oxa_df_kernel_dDFSearch1D(task, 0, 1, &site, 0, nullptr, &cell, nullptr, nullptr, nullptr),
+      DF_OK);
   EXPECT_EQ(cell, 2);
   oxa_df_kernel_DeleteTask(&task);
 }
@@ -201,20 +217,24 @@ TEST(SearchDispatch, DataHintAndStatuses) {
 TEST(SearchDispatch, UniformSites) {
   const std::vector<double> x{0, 0.5, 1};
   DfTask* task = nullptr;
-  ASSERT_EQ(oxa_df_kernel_dNewTask1D(&task, 3, x.data(), DF_X_NON_UNIFORM, 0, nullptr, 0, 0), DF_OK);
+  ASSERT_EQ(oxa_df_kernel_dNewTask1D(&task, 3, x.data(), DF_X_NON_UNIFORM, 0, nullptr, 0, 0),
+            DF_OK);
   const double ends[2] = {0, 1};
   std::vector<int64_t> cells(3);
-  ASSERT_EQ(oxa_df_kernel_dDFSearch1D(task, 0, 3, ends, DF_SITE_UNIFORM, nullptr, cells.data(), nullptr, nullptr, nullptr),
+  ASSERT_EQ(oxa_df_kernel_dDFSearch1D(task, 0, 3, ends, DF_SITE_UNIFORM, nullptr, cells.data(),
+                                      nullptr, nullptr, nullptr),
             DF_OK);
   EXPECT_EQ(cells, (std::vector<int64_t>{1, 2, 2}));  // sites 0, 0.5, 1
   const double wide[2] = {-0.25, 1.25};
   for (int64_t n : {1, 4096, 4097, 10001}) {
     cells.assign(static_cast<size_t>(n), -1);
-    ASSERT_EQ(oxa_df_kernel_dDFSearch1D(task, 0, n, wide, DF_SITE_UNIFORM, nullptr, cells.data(), nullptr,
-                                        nullptr, &oxa_serv_df_threading),
+    ASSERT_EQ(oxa_df_kernel_dDFSearch1D(task, 0, n, wide, DF_SITE_UNIFORM, nullptr, cells.data(),
+                                        nullptr, nullptr, &oxa_serv_df_threading),
               DF_OK);
     for (int64_t i = 0; i < n; ++i) {
-      const double t = n == 1 ? wide[0] : wide[0] + static_cast<double>(i) * (wide[1] - wide[0]) / static_cast<double>(n - 1);
+      const double t = n == 1 ? wide[0]
+                              : wide[0] + static_cast<double>(i) * (wide[1] - wide[0]) /
+                                              static_cast<double>(n - 1);
       ASSERT_EQ(cells[static_cast<size_t>(i)], reference_cell(x, t)) << n << " " << i;
     }
   }
@@ -226,7 +246,8 @@ TEST(SearchDispatch, SinglePrecision) {
   std::mt19937_64 g(13);
   const auto x = df_test::random_partition<float>(3000, g);
   DfTask* task = nullptr;
-  ASSERT_EQ(oxa_df_kernel_sNewTask1D(&task, 3000, x.data(), DF_X_NON_UNIFORM, 0, nullptr, 0, 0), DF_OK);
+  ASSERT_EQ(oxa_df_kernel_sNewTask1D(&task, 3000, x.data(), DF_X_NON_UNIFORM, 0, nullptr, 0, 0),
+            DF_OK);
   const auto s = df_test::awkward_sites(x, g, 3000);
   std::vector<int32_t> cells(s.size());
   const DfThreading th = CountingThreading::record(2);
@@ -235,7 +256,8 @@ TEST(SearchDispatch, SinglePrecision) {
             DF_OK);
   for (size_t i = 0; i < s.size(); ++i) ASSERT_EQ(cells[i], reference_cell(x, s[i])) << i;
   const float peak_hint[5] = {0, 1, 0, 0, 3001};
-  EXPECT_EQ(oxa_df_kernel_sDFSearch1D(task, 0, 1, s.data(), 0, peak_hint, cells.data(), nullptr, nullptr, &th),
+  EXPECT_EQ(oxa_df_kernel_sDFSearch1D(task, 0, 1, s.data(), 0, peak_hint, cells.data(), nullptr,
+                                      nullptr, &th),
             DF_ERR_BAD_DATA_HINT);
   oxa_df_kernel_DeleteTask(&task);
 }

@@ -128,8 +128,10 @@ struct Guesser {
         v = reference_cell(*g->ref, site[i]);
         flag[i] = 1;
       }
-      if (bits == 32) static_cast<int32_t*>(cell)[i] = static_cast<int32_t>(v);
-      else static_cast<int64_t*>(cell)[i] = v;
+      if (bits == 32)
+        static_cast<int32_t*>(cell)[i] = static_cast<int32_t>(v);
+      else
+        static_cast<int64_t*>(cell)[i] = v;
     }
     return g->status;
   }
@@ -162,33 +164,52 @@ TYPED_TEST(SearchKernels, NonUniformMethodsMatchReference) {
     const auto nx = static_cast<int64_t>(x.size());
     const auto sites = df_test::awkward_sites(x, g, 500);
     auto sorted_sites = sites;
-    sorted_sites.erase(std::remove_if(sorted_sites.begin(), sorted_sites.end(),
-                                      [](T v) { return std::isnan(v); }),
-                       sorted_sites.end());
+    sorted_sites.erase(
+        std::remove_if(sorted_sites.begin(), sorted_sites.end(), [](T v) { return std::isnan(v); }),
+        sorted_sites.end());
     for (int k = 0; k < 5; ++k) sorted_sites.push_back(x[x.size() / 2]);  // repeated sites
     std::sort(sorted_sites.begin(), sorted_sites.end());
 
     const T inv = static_cast<T>(nx - 1) / (x.back() - x.front());
-    check_family(Api<T>::quasi, x, x, sites, [&] { return std::tuple{inv}; }, "quasi-uniform");
+    check_family(
+        Api<T>::quasi, x, x, sites, [&] { return std::tuple{inv}; }, "quasi-uniform");
 
     int64_t state = 0;
-    check_family(Api<T>::sorted, x, x, sorted_sites, [&] { state = 0; return std::tuple{&state}; }, "sorted");
+    check_family(
+        Api<T>::sorted, x, x, sorted_sites,
+        [&] {
+          state = 0;
+          return std::tuple{&state};
+        },
+        "sorted");
 
     // A peak walk costs up to nx steps per site: a few hundred sites do.
-    const std::vector<T> peak_sites(sites.begin(), sites.begin() + std::min<size_t>(sites.size(), 400));
+    const std::vector<T> peak_sites(sites.begin(),
+                                    sites.begin() + std::min<size_t>(sites.size(), 400));
     for (int64_t p : {int64_t{0}, nx / 3, nx - 1, nx})
-      check_family(Api<T>::peak, x, x, peak_sites, [&] { return std::tuple{p}; }, "peak");
+      check_family(
+          Api<T>::peak, x, x, peak_sites, [&] { return std::tuple{p}; }, "peak");
 
     DfTask* task = nullptr;
     ASSERT_EQ(Api<T>::new_task(&task, nx, x.data(), DF_X_NON_UNIFORM, 0, nullptr, 0, 0), DF_OK);
     const DfSearchBin* bins = task->bins;
     const T ibw = oxa::df::inv_bin_width<T>(*task);
-    check_family(Api<T>::hybrid, x, x, sites, [&] { return std::tuple{bins, ibw}; }, "hybrid");
+    check_family(
+        Api<T>::hybrid, x, x, sites,
+        [&] {
+          return std::tuple{bins, ibw};
+        },
+        "hybrid");
     oxa_df_kernel_DeleteTask(&task);
 
     Guesser<T> guesser{&x, 0};
     auto cb = &Guesser<T>::call;
-    check_family(Api<T>::user, x, x, sites, [&] { return std::tuple{cb, static_cast<void*>(&guesser)}; }, "user");
+    check_family(
+        Api<T>::user, x, x, sites,
+        [&] {
+          return std::tuple{cb, static_cast<void*>(&guesser)};
+        },
+        "user");
   }
 }
 
@@ -199,13 +220,20 @@ TYPED_TEST(SearchKernels, UniformMethodsMatchReference) {
     // Quarter steps from -8: every breakpoint and the inverse step are exact.
     const std::vector<T> ends{T(-8), static_cast<T>(-8 + 0.25 * static_cast<double>(nx - 1))};
     std::vector<T> ref(static_cast<size_t>(nx));
-    for (int64_t i = 0; i < nx; ++i) ref[static_cast<size_t>(i)] = static_cast<T>(-8 + 0.25 * static_cast<double>(i));
+    for (int64_t i = 0; i < nx; ++i)
+      ref[static_cast<size_t>(i)] = static_cast<T>(-8 + 0.25 * static_cast<double>(i));
     const auto sites = df_test::awkward_sites(ref, g, 500);
     const T inv = static_cast<T>(nx - 1) / (ends[1] - ends[0]);
-    check_family(Api<T>::uniform, ends, ref, sites, [&] { return std::tuple{inv}; }, "uniform");
+    check_family(
+        Api<T>::uniform, ends, ref, sites, [&] { return std::tuple{inv}; }, "uniform");
     Guesser<T> guesser{&ref, 0};
     auto cb = &Guesser<T>::call;
-    check_family(Api<T>::uni_user, ends, ref, sites, [&] { return std::tuple{cb, static_cast<void*>(&guesser)}; }, "uniform user");
+    check_family(
+        Api<T>::uni_user, ends, ref, sites,
+        [&] {
+          return std::tuple{cb, static_cast<void*>(&guesser)};
+        },
+        "uniform user");
   }
 }
 
@@ -221,16 +249,18 @@ TYPED_TEST(SearchKernels, UserCallbackProtocol) {
     oxa_status returned;
     bool corrected;
   };
-  for (const Case c : {Case{1000, DF_OK, false}, Case{-5, -5, false}, Case{0, DF_OK, true},
-                       Case{12, 12, true}}) {
+  for (const Case c :
+       {Case{1000, DF_OK, false}, Case{-5, -5, false}, Case{0, DF_OK, true}, Case{12, 12, true}}) {
     Guesser<T> guesser{&x, c.status};
     std::vector<int64_t> cells(sites.size(), -1);
-    ASSERT_EQ(Api<T>::user.m64(4, x.data(), 5, sites.data(), &Guesser<T>::call, &guesser, cells.data()),
-              c.returned);
+    ASSERT_EQ(
+        Api<T>::user.m64(4, x.data(), 5, sites.data(), &Guesser<T>::call, &guesser, cells.data()),
+        c.returned);
     for (size_t i = 0; i < sites.size(); ++i) {
       const int64_t truth = reference_cell(x, sites[i]);
-      const int64_t want =
-          (c.corrected || i % 3 == 0) ? truth : Guesser<T>::wrong_guess(static_cast<int64_t>(i), truth, 4);
+      const int64_t want = (c.corrected || i % 3 == 0)
+                               ? truth
+                               : Guesser<T>::wrong_guess(static_cast<int64_t>(i), truth, 4);
       EXPECT_EQ(cells[i], want) << "status " << c.status << " site " << i;
     }
   }

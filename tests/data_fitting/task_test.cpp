@@ -1,10 +1,11 @@
 // The data-fitting task: constructor checks, the accelerator table, editors
 // and queries with their codes and side effects.
+#include "data_fitting/task.hpp"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
 
-#include "data_fitting/task.hpp"
 #include "df_test_support.hpp"
 
 namespace {
@@ -72,9 +73,11 @@ void check_accelerator(const std::vector<T>& x, std::mt19937_64& g) {
   const auto nx = static_cast<int64_t>(x.size());
   TaskHolder h;
   if constexpr (std::is_same_v<T, double>)
-    ASSERT_EQ(oxa_df_kernel_dNewTask1D(&h.t, nx, x.data(), DF_X_NON_UNIFORM, 0, nullptr, 0, 0), DF_OK);
+    ASSERT_EQ(oxa_df_kernel_dNewTask1D(&h.t, nx, x.data(), DF_X_NON_UNIFORM, 0, nullptr, 0, 0),
+              DF_OK);
   else
-    ASSERT_EQ(oxa_df_kernel_sNewTask1D(&h.t, nx, x.data(), DF_X_NON_UNIFORM, 0, nullptr, 0, 0), DF_OK);
+    ASSERT_EQ(oxa_df_kernel_sNewTask1D(&h.t, nx, x.data(), DF_X_NON_UNIFORM, 0, nullptr, 0, 0),
+              DF_OK);
   const int64_t nbins = h.t->nbins;
   const DfSearchBin* e = h.t->bins;
   EXPECT_EQ(nbins, std::clamp<int64_t>(nx / 16, 16, 1024));
@@ -86,7 +89,8 @@ void check_accelerator(const std::vector<T>& x, std::mt19937_64& g) {
     ASSERT_LE(e[b].hi, nx - 1);
   }
   const T ibw = oxa::df::inv_bin_width<T>(*h.t);
-  std::uniform_real_distribution<double> u(static_cast<double>(x.front()), static_cast<double>(x.back()));
+  std::uniform_real_distribution<double> u(static_cast<double>(x.front()),
+                                           static_cast<double>(x.back()));
   auto check_site = [&](T t) {
     const auto b = static_cast<int64_t>(ibw * (t - x[0]));
     ASSERT_LE(b, nbins);
@@ -125,11 +129,16 @@ TEST(DfTaskEdit, ValueParameters) {
     oxa_status code;
   };
   const Case cases[] = {
-      {DF_PARAM_NX, 3, 1, DF_ERR_BAD_NX},           {DF_PARAM_XHINT, 2, 3, DF_ERR_BAD_X_HINT},
-      {DF_PARAM_NY, 5, 0, DF_ERR_BAD_NY},           {DF_PARAM_YHINT, 128, 64, DF_ERR_BAD_Y_HINT},
-      {DF_PARAM_ORDER, 7, -1, DF_ERR_BAD_ORDER},    {DF_PARAM_TYPE, 5, 6, DF_ERR_BAD_TYPE},
-      {DF_PARAM_IC_TYPE, 8 | 1, 4, DF_ERR_BAD_IC_TYPE}, {DF_PARAM_BC_TYPE, 64, -1, DF_ERR_BAD_BC_TYPE},
-      {DF_PARAM_COEFF_HINT, 32, 1, DF_ERR_BAD_COEFF_HINT}, {DF_PARAM_AUX_FLAG, 1, 2, DF_ERR_BAD_AUX_FLAG},
+      {DF_PARAM_NX, 3, 1, DF_ERR_BAD_NX},
+      {DF_PARAM_XHINT, 2, 3, DF_ERR_BAD_X_HINT},
+      {DF_PARAM_NY, 5, 0, DF_ERR_BAD_NY},
+      {DF_PARAM_YHINT, 128, 64, DF_ERR_BAD_Y_HINT},
+      {DF_PARAM_ORDER, 7, -1, DF_ERR_BAD_ORDER},
+      {DF_PARAM_TYPE, 5, 6, DF_ERR_BAD_TYPE},
+      {DF_PARAM_IC_TYPE, 8 | 1, 4, DF_ERR_BAD_IC_TYPE},
+      {DF_PARAM_BC_TYPE, 64, -1, DF_ERR_BAD_BC_TYPE},
+      {DF_PARAM_COEFF_HINT, 32, 1, DF_ERR_BAD_COEFF_HINT},
+      {DF_PARAM_AUX_FLAG, 1, 2, DF_ERR_BAD_AUX_FLAG},
   };
   for (uint32_t wide : {0u, 1u}) {
     TaskHolder h;
@@ -170,7 +179,8 @@ TEST(DfTaskEdit, PartitionHintRebuildsTheTable) {
   const auto small = df_test::random_partition<float>(20, g);
   const auto big = df_test::random_partition<float>(4000, g);
   TaskHolder h;
-  ASSERT_EQ(oxa_df_kernel_sNewTask1D(&h.t, 20, small.data(), DF_X_UNIFORM, 0, nullptr, 0, 0), DF_OK);
+  ASSERT_EQ(oxa_df_kernel_sNewTask1D(&h.t, 20, small.data(), DF_X_UNIFORM, 0, nullptr, 0, 0),
+            DF_OK);
   EXPECT_EQ(h.t->precision, 0);
   EXPECT_EQ(h.t->nbins, 0);
   ASSERT_EQ(oxa_df_kernel_sEditPtr(h.t, DF_PTR_X, big.data()), DF_OK);
@@ -219,17 +229,22 @@ TEST(DfTaskEdit, PerFunctionPointers) {
   double y[6] = {}, c[8] = {}, other[4] = {};
   TaskHolder h;
   ASSERT_EQ(oxa_df_kernel_dNewTask1D(&h.t, 3, x, 0, 2, y, DF_STORE_SEPARATE, 0), DF_OK);
-  EXPECT_EQ(oxa_df_kernel_dEditIdxPtr(h.t, DF_PTR_COEFF, 0, other), DF_ERR_BAD_COEFF);  // none attached
-  ASSERT_EQ(oxa_df_kernel_dEditPPSpline1D(h.t, 2, 0, 0, nullptr, 0, nullptr, c, DF_STORE_SEPARATE), DF_OK);
+  EXPECT_EQ(oxa_df_kernel_dEditIdxPtr(h.t, DF_PTR_COEFF, 0, other),
+            DF_ERR_BAD_COEFF);  // none attached
+  ASSERT_EQ(oxa_df_kernel_dEditPPSpline1D(h.t, 2, 0, 0, nullptr, 0, nullptr, c, DF_STORE_SEPARATE),
+            DF_OK);
   struct Case {
     int64_t id, index;
     const double* p;
     oxa_status code;
   };
   const Case edits[] = {
-      {DF_PTR_X, 0, other, DF_ERR_BAD_PARAM_ID}, {DF_PTR_Y, -1, other, DF_ERR_BAD_INDEX},
-      {DF_PTR_Y, 2, other, DF_ERR_BAD_INDEX},    {DF_PTR_Y, 1, nullptr, DF_ERR_BAD_Y},
-      {DF_PTR_COEFF, 1, nullptr, DF_ERR_BAD_COEFF}, {DF_PTR_Y, 1, other, DF_OK},
+      {DF_PTR_X, 0, other, DF_ERR_BAD_PARAM_ID},
+      {DF_PTR_Y, -1, other, DF_ERR_BAD_INDEX},
+      {DF_PTR_Y, 2, other, DF_ERR_BAD_INDEX},
+      {DF_PTR_Y, 1, nullptr, DF_ERR_BAD_Y},
+      {DF_PTR_COEFF, 1, nullptr, DF_ERR_BAD_COEFF},
+      {DF_PTR_Y, 1, other, DF_OK},
       {DF_PTR_COEFF, 1, other, DF_OK},
   };
   for (const Case& e : edits) EXPECT_EQ(oxa_df_kernel_dEditIdxPtr(h.t, e.id, e.index, e.p), e.code);
@@ -265,7 +280,8 @@ TEST(DfTaskEdit, SplineDescription) {
     const int64_t stride = type == 1 ? 15 : 12;
     EXPECT_EQ(h.t->scoeff[2], c + 2 * stride) << type;
   }
-  ASSERT_EQ(oxa_df_kernel_sEditPPSpline1D(h.t, 4, 8, 0, nullptr, 0, nullptr, c, DF_STORE_SEPARATE), DF_OK);
+  ASSERT_EQ(oxa_df_kernel_sEditPPSpline1D(h.t, 4, 8, 0, nullptr, 0, nullptr, c, DF_STORE_SEPARATE),
+            DF_OK);
   EXPECT_EQ(h.t->s_type, 8);  // types 6..8 only through this editor
   EXPECT_EQ(h.t->scoeff[1], nullptr);
   EXPECT_EQ(h.t->scoeffhint, DF_STORE_SEPARATE);
@@ -287,16 +303,21 @@ TEST(DfTaskEdit, SplineDescription) {
       {2, 0, 4, bc, 1, ic, DF_OK},
   };
   for (const Case& k : cases)
-    EXPECT_EQ(oxa_df_kernel_sEditPPSpline1D(h.t, k.order, k.type, k.bct, k.bc, k.ict, k.ic, nullptr, 0), k.code);
+    EXPECT_EQ(
+        oxa_df_kernel_sEditPPSpline1D(h.t, k.order, k.type, k.bct, k.bc, k.ict, k.ic, nullptr, 0),
+        k.code);
   // What was stored before a failing check stays stored.
-  EXPECT_EQ(oxa_df_kernel_sEditPPSpline1D(h.t, 5, 2, 4, nullptr, 0, nullptr, nullptr, 0), DF_ERR_BAD_BC);
+  EXPECT_EQ(oxa_df_kernel_sEditPPSpline1D(h.t, 5, 2, 4, nullptr, 0, nullptr, nullptr, 0),
+            DF_ERR_BAD_BC);
   EXPECT_EQ(h.t->s_order, 5);
   EXPECT_EQ(h.t->s_type, 2);
-  EXPECT_EQ(oxa_df_kernel_sEditPPSpline1D(nullptr, 2, 0, 0, nullptr, 0, nullptr, nullptr, 0), DF_ERR_NULL_TASK);
+  EXPECT_EQ(oxa_df_kernel_sEditPPSpline1D(nullptr, 2, 0, 0, nullptr, 0, nullptr, nullptr, 0),
+            DF_ERR_NULL_TASK);
 
   TaskHolder empty;
   ASSERT_EQ(oxa_df_kernel_sNewTask1D(&empty.t, 5, x, 0, 0, nullptr, 0, 0), DF_OK);
-  EXPECT_EQ(oxa_df_kernel_sEditPPSpline1D(empty.t, 2, 0, 0, nullptr, 0, nullptr, c, 0), DF_ERR_BAD_NY);
+  EXPECT_EQ(oxa_df_kernel_sEditPPSpline1D(empty.t, 2, 0, 0, nullptr, 0, nullptr, c, 0),
+            DF_ERR_BAD_NY);
 }
 
 // A task whose dimension is not 1 accepts every edit silently and changes
