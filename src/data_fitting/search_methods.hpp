@@ -99,32 +99,85 @@ inline Idx walk_from(const P& x, Idx nx, decltype(x[0]) t, Idx k) {
   return k;
 }
 
-// Truncated guess inv·(t − x0), t >= x0, clamped to nx before the conversion.
-template <class Idx, Real T>
-inline Idx guess(T t, T x0, T inv, int64_t nx) {
+// Truncated guess inv·(t − x0) of one site, nx where that is not in [0, nx)
+// (sites below x0 and NaN included; those are settled elsewhere).
+template <Real T>
+inline int64_t guess(T t, T x0, T inv, int64_t nx) {
   const T v = inv * (t - x0);
-  return v < static_cast<T>(nx) ? std::min(static_cast<Idx>(v), static_cast<Idx>(nx))
-                                : static_cast<Idx>(nx);
+  return v >= T(0) && v < static_cast<T>(nx) ? std::min(static_cast<int64_t>(v), nx) : nx;
 }
 
-// Uniform (method 0): cell = trunc(inv·(t − x0)) + 1, at most nx. x holds the
-// two ends; no other breakpoint is read.
+// Four sites at a time. scaled(): inv·(t − x0) in T arithmetic, widened to
+// double lanes. above(): gathers x[mid] for four 64-bit indices and returns
+// the lanes where it is above the site, as 64-bit masks.
+template <Real T>
+struct Lanes4;
+
+template <>
+struct Lanes4<double> {
+  using V = __m256d;
+  static V load(const double* p) { return _mm256_loadu_pd(p); }
+  static __m256d scaled(const double* t, double x0, double inv) {
+    return _mm256_mul_pd(_mm256_sub_pd(load(t), _mm256_set1_pd(x0)), _mm256_set1_pd(inv));
+  }
+  static __m256i above(const double* x, __m256i mid, V t) {
+    return _mm256_castpd_si256(_mm256_cmp_pd(_mm256_i64gather_pd(x, mid, 8), t, _CMP_GT_OQ));
+  }
+};
+
+template <>
+struct Lanes4<float> {
+  using V = __m128;
+  static V load(const float* p) { return _mm_loadu_ps(p); }
+  static __m256d scaled(const float* t, float x0, float inv) {
+    return _mm256_cvtps_pd(_mm_mul_ps(_mm_sub_ps(load(t), _mm_set1_ps(x0)), _mm_set1_ps(inv)));
+  }
+  static __m256i above(const float* x, __m256i mid, V t) {
+    const __m128 m = _mm_cmp_ps(_mm256_i64gather_ps(x, mid, 4), t, _CMP_GT_OQ);
+    return _mm256_cvtepi32_epi64(_mm_castps_si128(m));  // widen the lane masks
+  }
+};
+
+// Guesses trunc(inv·(t − x0)) for four sites, nx where that is not in
+// [0, nx) (sites below x0 and NaN included; those are settled elsewhere).
+template <Real T>
+inline void guess4(const T* t, T x0, T inv, int64_t nx, int64_t* g) {
+  const __m256d v = Lanes4<T>::scaled(t, x0, inv);
+  const __m256d top = _mm256_set1_pd(static_cast<double>(nx));
+  const __m256d inside = _mm256_and_pd(_mm256_cmp_pd(v, _mm256_setzero_pd(), _CMP_GE_OQ),
+                                       _mm256_cmp_pd(v, top, _CMP_LT_OQ));
+  const __m256d whole =
+      _mm256_blendv_pd(top, _mm256_round_pd(v, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC), inside);
+  // Whole numbers below 2^52 convert exactly by adding 2^52 and taking the bits.
+  const __m256d magic = _mm256_set1_pd(0x1p52);
+  const __m256i bits = _mm256_sub_epi64(_mm256_castpd_si256(_mm256_add_pd(whole, magic)),
+                                        _mm256_castpd_si256(magic));
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(g), bits);
+}
+
+// Uniform (method 0): cell = trunc(inv·(t − x0)) + 1, at most nx, the guesses
+// four at a time. x holds the two ends; no other breakpoint is read.
 template <Real T, class W>
 void search_uniform(int64_t nx, const T* x, T inv, int64_t n, const T* site,
                     typename W::Out* cell) {
   using Idx = typename W::Idx;
   const T x0 = x[0], xl = x[1];
-  for (int64_t i = 0; i < n; ++i) {
-    const T t = site[i];
+  auto place = [&](int64_t i, int64_t g) {
     Idx r;
-    if (!settle_ends(t, x0, xl, nx, &r))
-      r = std::min(static_cast<Idx>(guess<Idx>(t, x0, inv, nx) + 1), static_cast<Idx>(nx));
+    if (!settle_ends(site[i], x0, xl, nx, &r)) r = static_cast<Idx>(std::min(g + 1, nx));
     cell[i] = r;
+  };
+  int64_t i = 0;
+  for (; i + 4 <= n; i += 4) {
+    int64_t g[4];
+    guess4(site + i, x0, inv, nx, g);
+    for (int64_t k = 0; k < 4; ++k) place(i + k, g[k]);
   }
+  for (; i < n; ++i) place(i, guess(site[i], x0, inv, nx));
 }
 
-// Quasi-uniform (method 1): guesses for a block of 32 sites first (a loop the
-// compiler vectorises), then a short walk from each guess.
+// Quasi-uniform (method 1): guesses for a block of 32 sites first, four at a
+// time, then a short walk from each guess.
 template <Real T, class W>
 void search_quasi_uniform(int64_t nx, const T* x, T inv, int64_t n, const T* site,
                           typename W::Out* cell) {
@@ -133,17 +186,16 @@ void search_quasi_uniform(int64_t nx, const T* x, T inv, int64_t n, const T* sit
   const StoredPoints<T> pts{x, nx};
   const T x0 = x[0], xl = x[nx - 1];
   const Idx inx = static_cast<Idx>(nx);
-  Idx g[kBlock];
+  int64_t g[kBlock];
   for (int64_t b = 0; b < n; b += kBlock) {
     const int64_t m = std::min(kBlock, n - b);
     const T* s = site + b;
-    for (int64_t i = 0; i < m; ++i) {
-      const T v = inv * (s[i] - x0);
-      g[i] = v >= T(0) && v < static_cast<T>(nx) ? static_cast<Idx>(v) : inx;
-    }
-    for (int64_t i = 0; i < m; ++i) {
+    int64_t i = 0;
+    for (; i + 4 <= m; i += 4) guess4(s + i, x0, inv, nx, g + i);
+    for (; i < m; ++i) g[i] = guess(s[i], x0, inv, nx);
+    for (i = 0; i < m; ++i) {
       Idx r;
-      if (!settle_ends(s[i], x0, xl, nx, &r)) r = walk_from(pts, inx, s[i], std::min(g[i], inx));
+      if (!settle_ends(s[i], x0, xl, nx, &r)) r = walk_from(pts, inx, s[i], static_cast<Idx>(g[i]));
       cell[b + i] = r;
     }
   }
@@ -246,30 +298,6 @@ inline Idx hybrid_finish(const T* x, T t, Idx lo, Idx hi) {
   return lo + static_cast<Idx>(count_le(x + lo, len, t));
 }
 
-// Four sites' bisection probes at once: gathers x[mid] for four 64-bit
-// indices and returns the lanes where it is above the site, as 64-bit masks.
-template <Real T>
-struct ProbeLanes;
-
-template <>
-struct ProbeLanes<double> {
-  using V = __m256d;
-  static V load(const double* p) { return _mm256_loadu_pd(p); }
-  static __m256i above(const double* x, __m256i mid, V t) {
-    return _mm256_castpd_si256(_mm256_cmp_pd(_mm256_i64gather_pd(x, mid, 8), t, _CMP_GT_OQ));
-  }
-};
-
-template <>
-struct ProbeLanes<float> {
-  using V = __m128;
-  static V load(const float* p) { return _mm_loadu_ps(p); }
-  static __m256i above(const float* x, __m256i mid, V t) {
-    const __m128 m = _mm_cmp_ps(_mm256_i64gather_ps(x, mid, 4), t, _CMP_GT_OQ);
-    return _mm256_cvtepi32_epi64(_mm_castps_si128(m));  // widen the lane masks
-  }
-};
-
 // Sites go through in groups of 16 whose bisections advance in lockstep, four
 // lanes to a gather, without branches: on a large partition the cache misses
 // of sixteen sites overlap instead of queueing one after the other.
@@ -277,7 +305,7 @@ template <Real T, class W>
 void search_hybrid(int64_t nx, const T* x, const DfSearchBin* bins, T ibw, int64_t n, const T* site,
                    typename W::Out* cell) {
   using Idx = typename W::Idx;
-  using L = ProbeLanes<T>;
+  using L = Lanes4<T>;
   constexpr int64_t kLanes = 4, kQuads = 4, kGroup = kLanes * kQuads;
   const __m256i narrow = _mm256_set1_epi64x(40);
   int64_t i = 0;
