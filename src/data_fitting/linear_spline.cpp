@@ -234,9 +234,17 @@ oxa_status linear_spline(DfTask* task, const void* extra, const DfThreading* thr
   if (extra != nullptr) return DF_ERR_UNEXPECTED_ARG;
   if (task->nx < 2) return DF_ERR_BAD_NX;
   if (!is_storage_hint(task->yhint)) return DF_ERR_BAD_Y_HINT;
-  // Without values or coefficient pointers there is nothing to read or write.
-  if (task->y == nullptr) return DF_ERR_BAD_Y;
-  if (task->scoeff == nullptr) return DF_ERR_BAD_COEFF;
+  // Every function needs its values and its coefficient block: a missing one
+  // (never attached, not set one by one, or ny raised after attaching) is
+  // reported instead of dereferenced.
+  const int64_t ny = task->ny <= 0 ? 1 : task->ny;
+  const int64_t value_pointers = task->yhint == DF_STORE_COLS ? 1 : ny;
+  if (pointer_capacity(task->y) < value_pointers) return DF_ERR_BAD_Y;
+  for (int64_t j = 0; j < value_pointers; ++j)
+    if (task->y[j] == nullptr) return DF_ERR_BAD_Y;
+  if (pointer_capacity(task->scoeff) < ny) return DF_ERR_BAD_COEFF;
+  for (int64_t j = 0; j < ny; ++j)
+    if (task->scoeff[j] == nullptr) return DF_ERR_BAD_COEFF;
   // Indexed by (uniform partition ? 1 : 0) + (column storage ? 0 : 2).
   static constexpr LinearRoutine routines[4] = {
       _v1DLSLinearYColsNoUniformGrid<T>,

@@ -179,6 +179,15 @@ TEST(LinearSplineChecks, EntryChecks) {
   EXPECT_EQ(oxa_df_kernel_dDFLinearSpline1D(task, 0, nullptr, nullptr), DF_ERR_BAD_NX);
   task->nx = 3;
   task->yhint = 0;
+  // More functions than pointers, or a function without its pointer.
+  ASSERT_EQ(oxa_df_kernel_iEditVal(task, DF_PARAM_NY, 2), DF_OK);
+  EXPECT_EQ(oxa_df_kernel_dDFLinearSpline1D(task, 0, nullptr, nullptr), DF_ERR_BAD_Y);
+  ASSERT_EQ(oxa_df_kernel_iEditVal(task, DF_PARAM_YHINT, DF_STORE_SEPARATE), DF_OK);
+  ASSERT_EQ(oxa_df_kernel_dEditPtr(task, DF_PTR_Y, y), DF_OK);
+  EXPECT_EQ(oxa_df_kernel_dDFLinearSpline1D(task, 0, nullptr, nullptr), DF_ERR_BAD_Y);
+  ASSERT_EQ(oxa_df_kernel_dEditIdxPtr(task, DF_PTR_Y, 1, y), DF_OK);
+  EXPECT_EQ(oxa_df_kernel_dDFLinearSpline1D(task, 0, nullptr, nullptr), DF_ERR_BAD_COEFF);
+  ASSERT_EQ(oxa_df_kernel_iEditVal(task, DF_PARAM_NY, 1), DF_OK);
   EXPECT_EQ(oxa_df_kernel_dDFLinearSpline1D(task, 0, nullptr, nullptr), DF_OK);
   EXPECT_EQ(coeff[0], 0.0);
   EXPECT_EQ(coeff[1], 1.0);
