@@ -62,8 +62,9 @@ oxa_status new_task(DfTask** out, int64_t nx, const T* x, int64_t xhint, int64_t
   if (ny == 0 && y != nullptr) return DF_ERR_BAD_NY;
   if (!is_storage_hint(yhint)) return DF_ERR_BAD_Y_HINT;
 
+  if (out == nullptr) return DF_ERR_NULL_TASK;  // nowhere to hand the task back
   auto* t = static_cast<DfTask*>(oxa_serv_allocate(sizeof(DfTask), kAlign));
-  if (out != nullptr) *out = t;
+  *out = t;
   if (t == nullptr) return DF_ERR_MEM;
   std::memset(static_cast<void*>(t), 0, sizeof(DfTask));
   t->nx = nx;

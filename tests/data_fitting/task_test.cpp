@@ -43,6 +43,7 @@ TEST(DfTaskCreate, ChecksInOrder) {
     EXPECT_EQ(oxa_df_kernel_dNewTask1D(&h.t, c.nx, c.x, c.xhint, c.ny, c.y, c.yhint, 0), c.status);
     EXPECT_EQ(h.t != nullptr, c.status == DF_OK);
   }
+  EXPECT_EQ(oxa_df_kernel_dNewTask1D(nullptr, 4, x, 1, 0, nullptr, 0, 1), DF_ERR_NULL_TASK);
   TaskHolder h;
   ASSERT_EQ(oxa_df_kernel_dNewTask1D(&h.t, 4, x, 1, 0, nullptr, 0, 1), DF_OK);
   EXPECT_EQ(h.t->y, nullptr);
