@@ -89,7 +89,8 @@ typedef struct DfSearchBin {
 /* Creates a task over nx breakpoints x (for xhint DF_X_UNIFORM, x holds only
  * the two ends) and ny functions y stored as yhint says. int64_output selects
  * the width oxa_df_kernel_iQueryVal writes (0: 32-bit). *task_out receives the
- * record's address, also when a later allocation fails. */
+ * record's address, also when a later allocation fails (release it with
+ * oxa_df_kernel_DeleteTask); a NULL task_out gives DF_ERR_NULL_TASK. */
 oxa_status oxa_df_kernel_dNewTask1D(DfTask** task_out, int64_t nx, const double* x, int64_t xhint,
                                     int64_t ny, const double* y, int64_t yhint,
                                     uint32_t int64_output);
