@@ -238,6 +238,12 @@ TEST(SearchDispatch, UniformSites) {
       ASSERT_EQ(cells[static_cast<size_t>(i)], reference_cell(x, t)) << n << " " << i;
     }
   }
+  // Too many uniform sites to materialise: refused before anything is written.
+  int64_t untouched = -3;
+  EXPECT_EQ(oxa_df_kernel_dDFSearch1D(task, 0, int64_t{1} << 45, wide, DF_SITE_UNIFORM, nullptr,
+                                      &untouched, nullptr, nullptr, nullptr),
+            DF_ERR_MEM);
+  EXPECT_EQ(untouched, -3);
   oxa_df_kernel_DeleteTask(&task);
 }
 

@@ -218,6 +218,12 @@ TEST(DfTaskEdit, Pointers) {
   }
   EXPECT_EQ(h.t->y[1], y + 3);
   EXPECT_EQ(h.t->scoeff[1], c);  // order 0: stride (nx-1)·0
+  // A failed allocation leaves the old array released and the field null
+  // (2^45 pointers are refused by the service layer up front).
+  ASSERT_EQ(oxa_df_kernel_iEditVal(h.t, DF_PARAM_NY, int64_t{1} << 45), DF_OK);
+  EXPECT_EQ(oxa_df_kernel_dEditPtr(h.t, DF_PTR_COEFF, c), DF_ERR_MEM);
+  EXPECT_EQ(h.t->scoeff, nullptr);
+  ASSERT_EQ(oxa_df_kernel_iEditVal(h.t, DF_PARAM_NY, 2), DF_OK);
   const double* out;
   EXPECT_EQ(oxa_df_kernel_dEditPtr(h.t, 6, x), DF_ERR_BAD_PARAM_ID);
   EXPECT_EQ(oxa_df_kernel_dQueryPtr(h.t, 0, &out), DF_ERR_BAD_PARAM_ID);
