@@ -18,5 +18,6 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/oxaConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/oxaConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/oxa)
 
+file(RELATIVE_PATH OXA_PC_UP "/p/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/p")
 configure_file(cmake/oxa.pc.in ${CMAKE_CURRENT_BINARY_DIR}/oxa.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/oxa.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
