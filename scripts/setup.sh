@@ -11,7 +11,7 @@ packages=(
   libopenblas-dev
   clang libclang-rt-14-dev
   python3 python3-mpmath
-  librandom123-dev libsleef-dev libeigen3-dev libgsl-dev
+  librandom123-dev libsleef-dev libeigen3-dev libgsl-dev libboost-dev
 )
 
 missing=()
