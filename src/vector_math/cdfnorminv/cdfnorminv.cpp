@@ -19,6 +19,7 @@
 #include "vector_math/cdfnorminv/cdfnorminv.hpp"
 #include "vector_math/frame/dd.hpp"
 #include "vector_math/frame/kernel_frame.hpp"
+#include "vector_math/frame/poly.hpp"
 
 namespace oxa::vml {
 namespace {
@@ -58,7 +59,7 @@ using VD = simd::Vec<double>;
 
 // R(y) * (2x - 1) for four x in [2^-54, 1) (or the float fast range).
 template <const Layout& L>
-VD bulk(VD x) {
+[[gnu::always_inline]] inline VD bulk(VD x) {
   const VD half = simd::broadcast(0.5), one = simd::broadcast(1.0), two = simd::broadcast(2.0);
   const VD x2 = x + x;
   const VD below_half{_mm256_cmp_pd(x.v, half.v, _CMP_LT_OQ)};
@@ -68,10 +69,7 @@ VD bulk(VD x) {
   // where the factor 2x - 1 = 0 makes the result +0.
   __m128i k = _mm_sub_epi32(_mm_set1_epi32(L.base), _mm_srli_epi32(simd::high_words(y), L.shift));
   k = _mm_max_epi32(k, _mm_setzero_si128());
-  alignas(16) int32_t row[4];
-  _mm_store_si128(reinterpret_cast<__m128i*>(row), k);
-  const double* p[4];
-  for (int l = 0; l < 4; ++l) p[l] = L.table + row[l] * L.row_length;
+  const simd::Rows4 rows = simd::rows4(L.table, _mm_mullo_epi32(k, _mm_set1_epi32(L.row_length)));
 
   // t = (significand bits below the index, under the exponent of 1.0) - centre.
   const __m256i keep = _mm256_set1_epi64x((int64_t{1} << (32 + L.shift)) - 1);
@@ -80,16 +78,17 @@ VD bulk(VD x) {
 
   constexpr int kPadded = (L.row_length + 3) / 4 * 4;
   VD c[kPadded];
-  for (int j = 0; j < L.row_length; j += 4) simd::gather_rows4(p, j, c + j);
+#pragma GCC unroll 8
+  for (int j = 0; j < L.row_length; j += 4) simd::gather_rows4(rows, j, c + j);
 
   if constexpr (!L.split) {
-    VD r = c[L.degree];
-    for (int j = L.degree - 1; j >= 0; --j) r = simd::fma(r, t, c[j]);
+    // Estrin: the dependency chain of a long Horner scheme bounds the speed.
+    const VD r = poly::estrin<L.degree + 1>(c, t);
     return r * (x2 - one);  // 2x - 1 rounds for x < 1/4: at most 0.5 ulp more
   } else {
-    // R = (c0_hi + c1_hi t) + (c0_lo + c1_lo t + t^2 q), the head exact.
-    VD q = c[L.degree];
-    for (int j = L.degree - 1; j >= 2; --j) q = simd::fma(q, t, c[j]);
+    // R = (c0_hi + c1_hi t) + (c0_lo + c1_lo t + t^2 q), the head exact;
+    // q = c2 + c3 t + ... is below 2^-3 of R, so its rounding is negligible.
+    const VD q = poly::estrin<L.degree - 1>(c + 2, t);
     const VD c0_hi = c[L.degree + 1], c1_hi = c[L.degree + 2];
     const dd::DD<VD> lin = dd::two_prod(c1_hi, t);
     const dd::DD<VD> head = dd::fast_two_sum(c0_hi, lin.hi);
@@ -179,7 +178,7 @@ struct Policy<fam::CdfNormInv, T, A> {
     }
   }
 
-  static simd::Vec<T> vector(simd::Vec<T> x) {
+  [[gnu::always_inline]] static simd::Vec<T> vector(simd::Vec<T> x) {
     constexpr const Layout& L = layout<T, A>();
     if constexpr (kDouble)
       return bulk<L>(x);

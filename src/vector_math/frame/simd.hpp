@@ -93,12 +93,26 @@ inline Vec<float> narrow(Vec<double> lo, Vec<double> hi) {
 
 namespace oxa::vml::simd {
 
-// Four table rows p0..p3 (one per lane), coefficients j..j+3 of each, turned
-// into four vectors: out[c] holds coefficient j+c of every lane. Reads 4
-// doubles from each row, so rows need 3 doubles of padding after them.
-inline void gather_rows4(const double* const p[4], int j, Vec<double> out[4]) {
-  const __m256d r0 = _mm256_loadu_pd(p[0] + j), r1 = _mm256_loadu_pd(p[1] + j);
-  const __m256d r2 = _mm256_loadu_pd(p[2] + j), r3 = _mm256_loadu_pd(p[3] + j);
+// Table rows of four lanes. The row offsets (in elements) come out of the
+// vector through two 64-bit moves rather than through memory: a vector store
+// reloaded as 32-bit pieces stalls store forwarding on some processors.
+struct Rows4 {
+  const double *p0, *p1, *p2, *p3;
+};
+
+inline Rows4 rows4(const double* table, __m128i offsets) {
+  const uint64_t lo = static_cast<uint64_t>(_mm_cvtsi128_si64(offsets));
+  const uint64_t hi = static_cast<uint64_t>(_mm_extract_epi64(offsets, 1));
+  return {table + static_cast<uint32_t>(lo), table + (lo >> 32), table + static_cast<uint32_t>(hi),
+          table + (hi >> 32)};
+}
+
+// Coefficients j..j+3 of the four rows as four vectors: out[c] holds
+// coefficient j+c of every lane. Reads 4 doubles from each row, so rows need
+// 3 doubles of padding after them.
+inline void gather_rows4(const Rows4& rows, int j, Vec<double> out[4]) {
+  const __m256d r0 = _mm256_loadu_pd(rows.p0 + j), r1 = _mm256_loadu_pd(rows.p1 + j);
+  const __m256d r2 = _mm256_loadu_pd(rows.p2 + j), r3 = _mm256_loadu_pd(rows.p3 + j);
   const __m256d t0 = _mm256_unpacklo_pd(r0, r1), t1 = _mm256_unpackhi_pd(r0, r1);
   const __m256d t2 = _mm256_unpacklo_pd(r2, r3), t3 = _mm256_unpackhi_pd(r2, r3);
   out[0].v = _mm256_permute2f128_pd(t0, t2, 0x20);
