@@ -22,6 +22,7 @@ that products with it stay short.
 Each row comment gives the achieved relative error of the row's polynomial
 (with its coefficients as rounded) against R, measured on 17 points.
 """
+import struct
 import sys
 from mpmath import mp, mpf, erfc, exp, sqrt, pi, log, cos, lu_solve, matrix, ldexp, floor
 
@@ -91,13 +92,16 @@ def piece(row, pieces_log2, centre):
     scale = ldexp(1, -1 - binade)
     return lambda t: scale * (1 + mpf(j) / P + (mpf(centre) + t - 1))
 
-def bulk_table(rows, pieces_log2, centre, degree, pinned=()):
+def to_float32(x):
+    return struct.unpack('f', struct.pack('f', float(x)))[0]
+
+def bulk_table(rows, pieces_log2, centre, degree, pinned=(), rounding=float):
     h = ldexp(1, -pieces_log2 - 1)
     out = []
     for row in range(rows):
         y = piece(row, pieces_log2, centre)
         f = lambda t, y=y: R(y(t))
-        c = [float(x) for x in fit(f, h, degree)]
+        c = [rounding(x) for x in fit(f, h, degree)]
         if row == 0:
             c[:len(pinned)] = pinned
         out.append((c, rel_error(f, h, [mpf(x) for x in c]), f, h))
@@ -106,15 +110,18 @@ def bulk_table(rows, pieces_log2, centre, degree, pinned=()):
 def hexf(x):
     return float(x).hex()
 
-def emit_rows(name, rows, per_row, comment, constants):
+def emit_rows(name, rows, per_row, comment, constants, ctype="double"):
+    suffix = "f" if ctype == "float" else ""
     print(f"// {comment}")
     n = len(rows) * per_row + len(constants)
-    print(f"alignas(64) constexpr double {name}[{n}] = {{")
+    print(f"alignas(64) constexpr {ctype} {name}[{n}] = {{")
     for i, (vals, err) in enumerate(rows):
-        print("    " + ", ".join(hexf(v) for v in vals) + f",  // row {i}, rel err {float(err):.2e}")
+        vals = list(vals) + [0.0] * (per_row - len(vals))
+        print("    " + ", ".join(hexf(v) + suffix for v in vals) + f",  // row {i}, rel err {float(err):.2e}")
     if constants:
         print("    // constants: " + ", ".join(label for label, _ in constants))
-        print("    " + ", ".join(v for _, v in constants) + ",")
+        vals = [v.replace("kInf", "kInfF") if ctype == "float" else v for _, v in constants]
+        print("    " + ", ".join(vals) + ",")
     print("};")
     print()
 
@@ -165,13 +172,20 @@ def main():
               "Double HA: degree 14, 4 pieces per binade, centre 1.125; c0, c1 as head + tail.",
               consts(0xFFB, 18, 1.125))
 
-    # Single precision (evaluated in double): 4 pieces per binade down to
-    # y = 2^-148, the smallest y a positive float gives; 592 rows.
-    for level, degree in (("HA", 5), ("LA", 4), ("EP", 2)):
+    # Single precision HA and LA, evaluated in double: 4 pieces per binade
+    # down to y = 2^-148, the smallest y a positive float gives; 592 rows.
+    for level, degree in (("HA", 5), ("LA", 4)):
         t = bulk_table(592, 2, 1.125, degree)
         emit_rows(f"sCdfNormInv_{level}_Table", [(c, e) for c, e, _, _ in t], degree + 1,
                   f"Single {level}: degree {degree}, 4 pieces per binade, centre 1.125, |t| <= 1/8.",
                   consts(0xFFB, 18, 1.125))
+    # Single EP, evaluated in float: quadratics in float, rows padded to 4,
+    # 4 pieces per binade down to y = 2^-126 (504 rows); the row base 0x1FB
+    # and shift 21 index the float's bits.
+    t = bulk_table(504, 2, 1.125, 2, rounding=to_float32)
+    emit_rows("sCdfNormInv_EP_Table", [(c, e) for c, e, _, _ in t], 4,
+              "Single EP: degree 2 in float, 4 pieces per binade, centre 1.125, |t| <= 1/8.",
+              consts(0x1FB, 21, 1.125), ctype="float")
 
     # Far tail: Q(s) = -Phi^-1(exp(-1/s^2)) * s on rows j = 0..21 centred at
     # j/128 (rows 5..21 are reached), degree 14 in v = s - j/128, |v| <= 1/256.

@@ -25,76 +25,90 @@ namespace oxa::vml {
 namespace {
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr float kInfF = std::numeric_limits<float>::infinity();
 #include "vector_math/cdfnorminv/cdfnorminv_tables.inc"
 
 // Offsets in the constants block that follows the rows of each bulk table.
 enum Constant { kRowBase, kMaskBits, kCentre, kHalf, kOne, kTwo, kPosInf, kNegInf, kNumPos, kNumNeg, kZero };
 
-// Row layout of one table: row length, polynomial degree, index shift and base,
-// whether c0 and c1 are split (row = c0_lo, c1_lo, c2..cD, c0_hi, c1_hi).
+// Row layout of one table: element type R of the table and of the
+// arithmetic, row length, polynomial degree, index shift and base, whether c0
+// and c1 are split (row = c0_lo, c1_lo, c2..cD, c0_hi, c1_hi). Double tables
+// are indexed by the high word of y, the float table by the bits of y.
+template <class R>
 struct Layout {
-  const double* table;
+  const R* table;
   int rows, row_length, degree, shift;
   int32_t base;
   bool split;
-  const double* constants() const { return table + rows * row_length; }
+  const R* constants() const { return table + rows * row_length; }
 };
 
-constexpr Layout kDoubleEP{dCdfNormInv_EP_Table, 851, 4, 3, 16, 0x3FEF, false};
-constexpr Layout kDoubleLA{dCdfNormInv_LA_Table, 213, 12, 11, 18, 0xFFB, false};
-constexpr Layout kDoubleHA{dCdfNormInv_HA_Table, 212, 17, 14, 18, 0xFFB, true};
-constexpr Layout kSingleHA{sCdfNormInv_HA_Table, 592, 6, 5, 18, 0xFFB, false};
-constexpr Layout kSingleLA{sCdfNormInv_LA_Table, 592, 5, 4, 18, 0xFFB, false};
-constexpr Layout kSingleEP{sCdfNormInv_EP_Table, 592, 3, 2, 18, 0xFFB, false};
+constexpr Layout<double> kDoubleEP{dCdfNormInv_EP_Table, 851, 4, 3, 16, 0x3FEF, false};
+constexpr Layout<double> kDoubleLA{dCdfNormInv_LA_Table, 213, 12, 11, 18, 0xFFB, false};
+constexpr Layout<double> kDoubleHA{dCdfNormInv_HA_Table, 212, 17, 14, 18, 0xFFB, true};
+constexpr Layout<double> kSingleHA{sCdfNormInv_HA_Table, 592, 6, 5, 18, 0xFFB, false};
+constexpr Layout<double> kSingleLA{sCdfNormInv_LA_Table, 592, 5, 4, 18, 0xFFB, false};
+constexpr Layout<float> kSingleEP{sCdfNormInv_EP_Table, 504, 4, 2, 21, 0x1FB, false};
 
 template <class T, Acc A>
-constexpr const Layout& layout() {
-  if constexpr (std::is_same_v<T, double>)
-    return A == Acc::HA ? kDoubleHA : A == Acc::LA ? kDoubleLA : kDoubleEP;
-  else
-    return A == Acc::HA ? kSingleHA : A == Acc::LA ? kSingleLA : kSingleEP;
+constexpr const auto& layout() {
+  if constexpr (std::is_same_v<T, double>) {
+    if constexpr (A == Acc::HA) return kDoubleHA;
+    else if constexpr (A == Acc::LA) return kDoubleLA;
+    else return kDoubleEP;
+  } else {
+    if constexpr (A == Acc::HA) return kSingleHA;
+    else if constexpr (A == Acc::LA) return kSingleLA;
+    else return kSingleEP;
+  }
 }
 
-using VD = simd::Vec<double>;
-
-// R(y) * (2x - 1) for four x in [2^-54, 1) (or the float fast range).
-template <const Layout& L>
-[[gnu::always_inline]] inline VD bulk(VD x) {
-  const VD half = simd::broadcast(0.5), one = simd::broadcast(1.0), two = simd::broadcast(2.0);
-  const VD x2 = x + x;
-  const VD below_half{_mm256_cmp_pd(x.v, half.v, _CMP_LT_OQ)};
-  const VD y = simd::select(below_half, two - x2, x2);
+// R(y) * (2x - 1) for the lanes x of one vector inside the fast range.
+template <class R, const Layout<R>& L>
+[[gnu::always_inline]] inline simd::Vec<R> bulk(simd::Vec<R> x) {
+  using V = simd::Vec<R>;
+  constexpr bool kDouble = std::is_same_v<R, double>;
+  const V one = simd::broadcast(R(1)), two = simd::broadcast(R(2));
+  const V x2 = x + x;
+  const V y = simd::select(x < simd::broadcast(R(0.5)), two - x2, x2);
 
   // Row: B - (hy >> s); x = 1/2 gives y = 1 and row -1, clamped to row 0
-  // where the factor 2x - 1 = 0 makes the result +0.
-  __m128i k = _mm_sub_epi32(_mm_set1_epi32(L.base), _mm_srli_epi32(simd::high_words(y), L.shift));
-  k = _mm_max_epi32(k, _mm_setzero_si128());
-  const simd::Rows4 rows = simd::rows4(L.table, _mm_mullo_epi32(k, _mm_set1_epi32(L.row_length)));
-
-  // t = (significand bits below the index, under the exponent of 1.0) - centre.
-  const __m256i keep = _mm256_set1_epi64x((int64_t{1} << (32 + L.shift)) - 1);
-  const VD m = simd::from_bits_d(_mm256_or_si256(_mm256_and_si256(simd::bits(y), keep), simd::bits(one)));
-  const VD t = m - simd::broadcast(L.constants()[kCentre]);
-
-  constexpr int kPadded = (L.row_length + 3) / 4 * 4;
-  VD c[kPadded];
+  // where the factor 2x - 1 = 0 makes the result +0. t = (significand bits
+  // below the index, under the exponent of 1.0) - centre.
+  V c[(L.row_length + 3) / 4 * 4];
+  V t;
+  if constexpr (kDouble) {
+    __m128i k = _mm_sub_epi32(_mm_set1_epi32(L.base), _mm_srli_epi32(simd::high_words(y), L.shift));
+    k = _mm_max_epi32(k, _mm_setzero_si128());
+    const simd::Rows4 rows = simd::rows4(L.table, _mm_mullo_epi32(k, _mm_set1_epi32(L.row_length)));
 #pragma GCC unroll 8
-  for (int j = 0; j < L.row_length; j += 4) simd::gather_rows4(rows, j, c + j);
+    for (int j = 0; j < L.row_length; j += 4) simd::gather_rows4(rows, j, c + j);
+    const __m256i keep = _mm256_set1_epi64x((int64_t{1} << (32 + L.shift)) - 1);
+    t = simd::from_bits_d(_mm256_or_si256(_mm256_and_si256(simd::bits(y), keep), simd::bits(one)));
+  } else {
+    __m256i k = _mm256_sub_epi32(_mm256_set1_epi32(L.base), _mm256_srli_epi32(simd::bits(y), L.shift));
+    k = _mm256_max_epi32(k, _mm256_setzero_si256());
+    simd::gather_rows8(L.table, _mm256_slli_epi32(k, 2), c);  // rows of 4 floats
+    const __m256i keep = _mm256_set1_epi32((1 << L.shift) - 1);
+    t = simd::from_bits_f(_mm256_or_si256(_mm256_and_si256(simd::bits(y), keep), simd::bits(one)));
+  }
+  t = t - simd::broadcast(L.constants()[kCentre]);
 
   if constexpr (!L.split) {
     // Estrin: the dependency chain of a long Horner scheme bounds the speed.
-    const VD r = poly::estrin<L.degree + 1>(c, t);
+    const V r = poly::estrin<L.degree + 1>(c, t);
     return r * (x2 - one);  // 2x - 1 rounds for x < 1/4: at most 0.5 ulp more
   } else {
     // R = (c0_hi + c1_hi t) + (c0_lo + c1_lo t + t^2 q), the head exact;
     // q = c2 + c3 t + ... is below 2^-3 of R, so its rounding is negligible.
-    const VD q = poly::estrin<L.degree - 1>(c + 2, t);
-    const VD c0_hi = c[L.degree + 1], c1_hi = c[L.degree + 2];
-    const dd::DD<VD> lin = dd::two_prod(c1_hi, t);
-    const dd::DD<VD> head = dd::fast_two_sum(c0_hi, lin.hi);
-    const VD tail = simd::fma(t, simd::fma(t, q, c[1]), c[0]) + (head.lo + lin.lo);
+    const V q = poly::estrin<L.degree - 1>(c + 2, t);
+    const V c0_hi = c[L.degree + 1], c1_hi = c[L.degree + 2];
+    const dd::DD<V> lin = dd::two_prod(c1_hi, t);
+    const dd::DD<V> head = dd::fast_two_sum(c0_hi, lin.hi);
+    const V tail = simd::fma(t, simd::fma(t, q, c[1]), c[0]) + (head.lo + lin.lo);
     // 2x - 1 exactly as a double-double; one rounding for the product.
-    const dd::DD<VD> d = dd::fast_two_sum(simd::broadcast(-1.0), x2);
+    const dd::DD<V> d = dd::fast_two_sum(simd::broadcast(R(-1)), x2);
     return simd::fma(head.hi, d.hi, simd::fma(head.hi, d.lo, tail * d.hi));
   }
 }
@@ -108,8 +122,8 @@ inline double opaque(double v) {
 
 // Classification on h: the high word (double, with bit 0 set when the low
 // word is nonzero) or the bits (float). Returns the status.
-template <class T>
-int32_t settle_special(uint32_t h, T x, T* r, const double* k) {
+template <class T, class K>
+int32_t settle_special(uint32_t h, T x, T* r, const K* k) {
   constexpr bool kDouble = std::is_same_v<T, double>;
   constexpr uint32_t kHalfH = kDouble ? 0x3FE00000u : 0x3F000000u;
   constexpr uint32_t kOneH = kDouble ? 0x3FF00000u : 0x3F800000u;
@@ -135,26 +149,26 @@ int32_t dCdfNormInv_SC(const double* x, double* r) {
   const uint64_t b = std::bit_cast<uint64_t>(*x);
   const uint32_t hx = static_cast<uint32_t>(b >> 32);
   const uint32_t h = hx | (static_cast<uint32_t>(b) != 0 ? 1u : 0u);
-  const double* k = layout<double, A>().constants();
+  const auto* k = layout<double, A>().constants();
   if (h >= 1 && h <= 0x3FEFFFFFu) {
     *r = h == 0x3FE00000u ? k[kZero] : dCdfNormInv_Tail(*x);
     return VML_ERR_NONE;
   }
-  return settle_special<double>(h, *x, r, k);
+  return settle_special(h, *x, r, k);
 }
 
 template <Acc A>
 int32_t sCdfNormInv_SC(const float* x, float* r) {
   const uint32_t h = std::bit_cast<uint32_t>(*x);
-  const double* k = layout<float, A>().constants();
-  if (h >= 1 && h <= 0x3F7FFFFFu) {  // not reached from the kernels: all of (0, 1) is fast
+  const auto* k = layout<float, A>().constants();
+  if (h >= 1 && h <= 0x3F7FFFFFu) {  // reached for EP below 2^-125 only
     const double xd = *x;
     double rd;
     kernel_in1_out1<fam::CdfNormInv, double, Acc::HA>(1, &xd, &rd);
     *r = static_cast<float>(rd);
     return VML_ERR_NONE;
   }
-  return settle_special<float>(h, *x, r, k);
+  return settle_special(h, *x, r, k);
 }
 
 template <class T, Acc A>
@@ -172,18 +186,22 @@ struct Policy<fam::CdfNormInv, T, A> {
       const __m128i biased = _mm_add_epi32(simd::high_words(x), _mm_set1_epi32(0x43700000));
       return simd::widen_mask(_mm_cmpgt_epi32(biased, _mm_set1_epi32(static_cast<int32_t>(0x835FFFFFu))));
     } else {
-      const __m256i biased = _mm256_add_epi32(simd::bits(x), _mm256_set1_epi32(0x7FFFFFFF));
-      return simd::from_bits_f(
-          _mm256_cmpgt_epi32(biased, _mm256_set1_epi32(static_cast<int32_t>(0xBF7FFFFEu))));
+      // Fast from bits L (1, or 2^-125 for EP, whose float arithmetic needs a
+      // normal y) to 0x3F7FFFFF; the same biased signed compare.
+      constexpr uint32_t kLow = A == Acc::EP ? 0x01000000u : 1u;
+      const __m256i biased = _mm256_add_epi32(simd::bits(x), _mm256_set1_epi32(static_cast<int32_t>(0x80000000u - kLow)));
+      return simd::from_bits_f(_mm256_cmpgt_epi32(
+          biased, _mm256_set1_epi32(static_cast<int32_t>(0x80000000u + (0x3F7FFFFFu - kLow)))));
     }
   }
 
   [[gnu::always_inline]] static simd::Vec<T> vector(simd::Vec<T> x) {
-    constexpr const Layout& L = layout<T, A>();
-    if constexpr (kDouble)
-      return bulk<L>(x);
-    else
-      return simd::narrow(bulk<L>(simd::widen_low(x)), bulk<L>(simd::widen_high(x)));
+    constexpr const auto& L = layout<T, A>();
+    using R = std::remove_cvref_t<decltype(*L.table)>;
+    if constexpr (std::is_same_v<R, T>)
+      return bulk<R, L>(x);
+    else  // float lanes evaluated in double
+      return simd::narrow(bulk<R, L>(simd::widen_low(x)), bulk<R, L>(simd::widen_high(x)));
   }
 
   static int32_t scalar(const T* x, T* r) {

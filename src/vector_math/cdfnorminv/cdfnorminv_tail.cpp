@@ -13,6 +13,7 @@ namespace oxa::vml {
 namespace {
 
 constexpr double kInf = __builtin_inf();
+constexpr float kInfF = __builtin_inff();
 #include "vector_math/cdfnorminv/cdfnorminv_tables.inc"
 
 using D2 = dd::DD<double>;

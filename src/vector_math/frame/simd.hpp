@@ -59,6 +59,10 @@ inline float fma(float a, float b, float c) { return std::fma(a, b, c); }
 inline float fms(float a, float b, float c) { return std::fma(a, b, -c); }
 inline float fnma(float a, float b, float c) { return std::fma(-a, b, c); }
 
+// Comparisons give lane masks (ordered: false for NaN lanes).
+inline Vec<double> operator<(Vec<double> a, Vec<double> b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_LT_OQ)}; }
+inline Vec<float> operator<(Vec<float> a, Vec<float> b) { return {_mm256_cmp_ps(a.v, b.v, _CMP_LT_OQ)}; }
+
 // Lane masks are vectors whose lanes are all ones (set) or all zeros.
 // select(m, a, b): lanes of b where m is set, else a.
 inline Vec<double> select(Vec<double> m, Vec<double> a, Vec<double> b) { return {_mm256_blendv_pd(a.v, b.v, m.v)}; }
@@ -119,6 +123,31 @@ inline void gather_rows4(const Rows4& rows, int j, Vec<double> out[4]) {
   out[1].v = _mm256_permute2f128_pd(t1, t3, 0x20);
   out[2].v = _mm256_permute2f128_pd(t0, t2, 0x31);
   out[3].v = _mm256_permute2f128_pd(t1, t3, 0x31);
+}
+
+// The float version: eight rows at table + offsets (in elements),
+// coefficients 0..3 of each. The offsets are taken as scalars one by one (an
+// array here gets vectorised through memory and stalls store forwarding).
+inline void gather_rows8(const float* table, __m256i offsets, Vec<float> out[4]) {
+  const __m128i lo = _mm256_castsi256_si128(offsets), hi = _mm256_extracti128_si256(offsets, 1);
+  const uint64_t q0 = static_cast<uint64_t>(_mm_cvtsi128_si64(lo));
+  const uint64_t q1 = static_cast<uint64_t>(_mm_extract_epi64(lo, 1));
+  const uint64_t q2 = static_cast<uint64_t>(_mm_cvtsi128_si64(hi));
+  const uint64_t q3 = static_cast<uint64_t>(_mm_extract_epi64(hi, 1));
+  auto pair = [table](uint64_t first, uint64_t second) {  // rows l and l + 4
+    return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(table + first)),
+                                _mm_loadu_ps(table + second), 1);
+  };
+  const __m256 a = pair(static_cast<uint32_t>(q0), static_cast<uint32_t>(q2));
+  const __m256 b = pair(q0 >> 32, q2 >> 32);
+  const __m256 c = pair(static_cast<uint32_t>(q1), static_cast<uint32_t>(q3));
+  const __m256 d = pair(q1 >> 32, q3 >> 32);
+  const __m256 t0 = _mm256_unpacklo_ps(a, b), t1 = _mm256_unpackhi_ps(a, b);
+  const __m256 t2 = _mm256_unpacklo_ps(c, d), t3 = _mm256_unpackhi_ps(c, d);
+  out[0].v = _mm256_shuffle_ps(t0, t2, _MM_SHUFFLE(1, 0, 1, 0));
+  out[1].v = _mm256_shuffle_ps(t0, t2, _MM_SHUFFLE(3, 2, 3, 2));
+  out[2].v = _mm256_shuffle_ps(t1, t3, _MM_SHUFFLE(1, 0, 1, 0));
+  out[3].v = _mm256_shuffle_ps(t1, t3, _MM_SHUFFLE(3, 2, 3, 2));
 }
 
 }  // namespace oxa::vml::simd
