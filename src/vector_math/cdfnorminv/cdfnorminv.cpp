@@ -79,9 +79,10 @@ template <class R, const Layout<R>& L>
   V c[(L.row_length + 3) / 4 * 4];
   V t;
   if constexpr (kDouble) {
-    __m128i k = _mm_sub_epi32(_mm_set1_epi32(L.base), _mm_srli_epi32(simd::high_words(y), L.shift));
-    k = _mm_max_epi32(k, _mm_setzero_si128());
-    const simd::Rows4 rows = simd::rows4(L.table, _mm_mullo_epi32(k, _mm_set1_epi32(L.row_length)));
+    // In the 64-bit lanes directly: no cross-lane shuffle on the way to the loads.
+    __m256i k = _mm256_sub_epi64(_mm256_set1_epi64x(L.base), _mm256_srli_epi64(simd::bits(y), 32 + L.shift));
+    k = _mm256_andnot_si256(_mm256_cmpgt_epi64(_mm256_setzero_si256(), k), k);
+    const simd::Rows4 rows = simd::rows4(L.table, k, L.row_length);
 #pragma GCC unroll 8
     for (int j = 0; j < L.row_length; j += 4) simd::gather_rows4(rows, j, c + j);
     const __m256i keep = _mm256_set1_epi64x((int64_t{1} << (32 + L.shift)) - 1);

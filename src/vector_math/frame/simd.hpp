@@ -97,32 +97,33 @@ inline Vec<float> narrow(Vec<double> lo, Vec<double> hi) {
 
 namespace oxa::vml::simd {
 
-// Table rows of four lanes. The row offsets (in elements) come out of the
-// vector through two 64-bit moves rather than through memory: a vector store
-// reloaded as 32-bit pieces stalls store forwarding on some processors.
+// Table rows of four lanes, from row numbers in 64-bit lanes. They leave the
+// vector through 64-bit moves rather than through memory: a vector store
+// reloaded as scalars stalls store forwarding on some processors.
 struct Rows4 {
   const double *p0, *p1, *p2, *p3;
 };
 
-inline Rows4 rows4(const double* table, __m128i offsets) {
-  const uint64_t lo = static_cast<uint64_t>(_mm_cvtsi128_si64(offsets));
-  const uint64_t hi = static_cast<uint64_t>(_mm_extract_epi64(offsets, 1));
-  return {table + static_cast<uint32_t>(lo), table + (lo >> 32), table + static_cast<uint32_t>(hi),
-          table + (hi >> 32)};
+inline Rows4 rows4(const double* table, __m256i rows, int row_length) {
+  const __m128i lo = _mm256_castsi256_si128(rows), hi = _mm256_extracti128_si256(rows, 1);
+  return {table + _mm_cvtsi128_si64(lo) * row_length, table + _mm_extract_epi64(lo, 1) * row_length,
+          table + _mm_cvtsi128_si64(hi) * row_length, table + _mm_extract_epi64(hi, 1) * row_length};
 }
 
 // Coefficients j..j+3 of the four rows as four vectors: out[c] holds
 // coefficient j+c of every lane. Reads 4 doubles from each row, so rows need
 // 3 doubles of padding after them.
 inline void gather_rows4(const Rows4& rows, int j, Vec<double> out[4]) {
-  const __m256d r0 = _mm256_loadu_pd(rows.p0 + j), r1 = _mm256_loadu_pd(rows.p1 + j);
-  const __m256d r2 = _mm256_loadu_pd(rows.p2 + j), r3 = _mm256_loadu_pd(rows.p3 + j);
-  const __m256d t0 = _mm256_unpacklo_pd(r0, r1), t1 = _mm256_unpackhi_pd(r0, r1);
-  const __m256d t2 = _mm256_unpacklo_pd(r2, r3), t3 = _mm256_unpackhi_pd(r2, r3);
-  out[0].v = _mm256_permute2f128_pd(t0, t2, 0x20);
-  out[1].v = _mm256_permute2f128_pd(t1, t3, 0x20);
-  out[2].v = _mm256_permute2f128_pd(t0, t2, 0x31);
-  out[3].v = _mm256_permute2f128_pd(t1, t3, 0x31);
+  // Two coefficients at a time: rows 0 and 2 in one vector, rows 1 and 3 in
+  // another, then one unpack each; no cross-lane permutes.
+  for (int h = 0; h < 4; h += 2) {
+    const __m256d a = _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(rows.p0 + j + h)),
+                                           _mm_loadu_pd(rows.p2 + j + h), 1);
+    const __m256d b = _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(rows.p1 + j + h)),
+                                           _mm_loadu_pd(rows.p3 + j + h), 1);
+    out[h].v = _mm256_unpacklo_pd(a, b);
+    out[h + 1].v = _mm256_unpackhi_pd(a, b);
+  }
 }
 
 // The float version: eight rows at table + offsets (in elements),
