@@ -20,7 +20,7 @@ TEST(CdfNormInvAccuracy, Double) {
        {"LA", oxa_vml_kernel_dCdfNormInv_E9LAynn, Bound::ulps(4.0)},
        {"EP", oxa_vml_kernel_dCdfNormInv_E9EPnnn, Bound::relative(0x1p-26)}},
       oxa::test::mpfr_norm_inv, oxa::test::Domain<double>{0x1p-1074, std::nextafter(1.0, 0.0)}, extra,
-      oxa::test::sample_count(10000));
+      oxa::test::sample_count(5000));
   oxa::test::expect_within(reports, "dCdfNormInv");
 }
 
@@ -33,7 +33,7 @@ TEST(CdfNormInvAccuracy, Single) {
        {"LA", oxa_vml_kernel_sCdfNormInv_E9LAynn, Bound::ulps(4.0)},
        {"EP", oxa_vml_kernel_sCdfNormInv_E9EPnnn, Bound::relative(0x1p-11)}},
       oxa::test::mpfr_norm_inv, oxa::test::Domain<float>{0x1p-149f, std::nextafter(1.0f, 0.0f)}, extra,
-      oxa::test::sample_count(10000));
+      oxa::test::sample_count(5000));
   oxa::test::expect_within(reports, "sCdfNormInv");
 }
 

@@ -121,6 +121,28 @@ TEST(CdfNormInv, MonotoneAcrossTheFastRangeBoundaryAndIntoSubnormals) {
   }
 }
 
+// At the centre of the first piece (t = 0) the result is (2x - 1) * c0 of row
+// 0 exactly, which pins the reduction and the published first coefficients.
+TEST(CdfNormInv, CentreOfTheFirstPieceGivesTheLeadingCoefficient) {
+  const double x_ep = 0.4921875, x_la = 0.46875;  // y = 63/64 and y = 15/16
+  double r;
+  oxa_vml_kernel_dCdfNormInv_E9EPnnn(1, &x_ep, &r);
+  EXPECT_EQ(r, -0x1p-6 * 1.2533942533804652);
+  oxa_vml_kernel_dCdfNormInv_E9LAynn(1, &x_la, &r);
+  EXPECT_EQ(r, -0x1p-4 * 1.2545986037297951);
+}
+
+// Each stub gives the results of the kernel in its slot.
+template <class T>
+void expect_stubs_forward(const std::vector<std::pair<void (*)(int64_t, const T*, T*), oxa::test::Kernel<T>>>& pairs) {
+  const T a[3] = {T(0.1), T(0.7), T(1e-3)};
+  for (const auto& [stub, kernel] : pairs) {
+    T got[3], want[3];
+    stub(3, a, got), kernel(3, a, want);
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(got[i], want[i]);
+  }
+}
+
 TEST(CdfNormInv, DispatchTableCostsAndStubs) {
   EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ttab[0], &oxa_vml_kernel_dCdfNormInv_E9LAynn);
   EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ttab[1], &oxa_vml_kernel_dCdfNormInv_E9HAynn);
@@ -131,33 +153,14 @@ TEST(CdfNormInv, DispatchTableCostsAndStubs) {
   EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ctab[0], 2.0f);
   EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ctab[1], 3.0f);
   EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ctab[2], 1.0f);
-
-  const double a[3] = {0.1, 0.7, 1e-3};
-  double want[3], got[3];
-  const struct {
-    void (*stub)(int64_t, const double*, double*);
-    OxaVmlKernel_d kernel;
-  } d[] = {{_vmldCdfNormInv, oxa_vml_kernel_dCdfNormInv_E9HAynn},
-           {_vmldCdfNormInv_HA, oxa_vml_kernel_dCdfNormInv_E9HAynn},
-           {_vmldCdfNormInv_50, oxa_vml_kernel_dCdfNormInv_E9LAynn},
-           {_vmldCdfNormInv_26, oxa_vml_kernel_dCdfNormInv_E9EPnnn}};
-  for (const auto& s : d) {
-    s.stub(3, a, got), s.kernel(3, a, want);
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(got[i], want[i]);
-  }
-  const float fa[3] = {0.1f, 0.7f, 1e-3f};
-  float fwant[3], fgot[3];
-  const struct {
-    void (*stub)(int64_t, const float*, float*);
-    OxaVmlKernel_s kernel;
-  } s[] = {{_vmlsCdfNormInv, oxa_vml_kernel_sCdfNormInv_E9HAynn},
-           {_vmlsCdfNormInv_HA, oxa_vml_kernel_sCdfNormInv_E9HAynn},
-           {_vmlsCdfNormInv_21, oxa_vml_kernel_sCdfNormInv_E9LAynn},
-           {_vmlsCdfNormInv_11, oxa_vml_kernel_sCdfNormInv_E9EPnnn}};
-  for (const auto& st : s) {
-    st.stub(3, fa, fgot), st.kernel(3, fa, fwant);
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(fgot[i], fwant[i]);
-  }
+  expect_stubs_forward<double>({{_vmldCdfNormInv, oxa_vml_kernel_dCdfNormInv_E9HAynn},
+                                {_vmldCdfNormInv_HA, oxa_vml_kernel_dCdfNormInv_E9HAynn},
+                                {_vmldCdfNormInv_50, oxa_vml_kernel_dCdfNormInv_E9LAynn},
+                                {_vmldCdfNormInv_26, oxa_vml_kernel_dCdfNormInv_E9EPnnn}});
+  expect_stubs_forward<float>({{_vmlsCdfNormInv, oxa_vml_kernel_sCdfNormInv_E9HAynn},
+                               {_vmlsCdfNormInv_HA, oxa_vml_kernel_sCdfNormInv_E9HAynn},
+                               {_vmlsCdfNormInv_21, oxa_vml_kernel_sCdfNormInv_E9LAynn},
+                               {_vmlsCdfNormInv_11, oxa_vml_kernel_sCdfNormInv_E9EPnnn}});
 }
 
 // These kernels neither read nor write the control word: results computed
