@@ -73,15 +73,18 @@ template <class R, const Layout<R>& L>
   const V x2 = x + x;
   const V y = simd::select(x < simd::broadcast(R(0.5)), two - x2, x2);
 
-  // Row: B - (hy >> s); x = 1/2 gives y = 1 and row -1, clamped to row 0
-  // where the factor 2x - 1 = 0 makes the result +0. t = (significand bits
-  // below the index, under the exponent of 1.0) - centre.
+  // Row: B - (hy >> s), clamped to the table: x = 1/2 gives y = 1 and row -1,
+  // taken as row 0 where the factor 2x - 1 = 0 makes the result +0; lanes
+  // outside the fast range (settled later) land on the first or last row.
+  // t = (significand bits below the index, under the exponent of 1.0) - centre.
   V c[(L.row_length + 3) / 4 * 4];
   V t;
   if constexpr (kDouble) {
     // In the 64-bit lanes directly: no cross-lane shuffle on the way to the loads.
     __m256i k = _mm256_sub_epi64(_mm256_set1_epi64x(L.base), _mm256_srli_epi64(simd::bits(y), 32 + L.shift));
     k = _mm256_andnot_si256(_mm256_cmpgt_epi64(_mm256_setzero_si256(), k), k);
+    const __m256i last = _mm256_set1_epi64x(L.rows - 1);
+    k = _mm256_blendv_epi8(k, last, _mm256_cmpgt_epi64(k, last));
     const simd::Rows4 rows = simd::rows4(L.table, k, L.row_length);
 #pragma GCC unroll 8
     for (int j = 0; j < L.row_length; j += 4) simd::gather_rows4(rows, j, c + j);
@@ -89,7 +92,7 @@ template <class R, const Layout<R>& L>
     t = simd::from_bits_d(_mm256_or_si256(_mm256_and_si256(simd::bits(y), keep), simd::bits(one)));
   } else {
     __m256i k = _mm256_sub_epi32(_mm256_set1_epi32(L.base), _mm256_srli_epi32(simd::bits(y), L.shift));
-    k = _mm256_max_epi32(k, _mm256_setzero_si256());
+    k = _mm256_min_epi32(_mm256_max_epi32(k, _mm256_setzero_si256()), _mm256_set1_epi32(L.rows - 1));
     simd::gather_rows8(L.table, _mm256_slli_epi32(k, 2), c);  // rows of 4 floats
     const __m256i keep = _mm256_set1_epi32((1 << L.shift) - 1);
     t = simd::from_bits_f(_mm256_or_si256(_mm256_and_si256(simd::bits(y), keep), simd::bits(one)));
@@ -178,6 +181,7 @@ struct Policy<fam::CdfNormInv, T, A> {
   static constexpr const char* kName = kDouble ? "vdCdfNormInv" : "vsCdfNormInv";
   static constexpr bool kSetsControlWord = false;
   static constexpr T kSafeInput = T(0.75);
+  static constexpr bool kFormulaTakesAnyInput = true;  // row indices are clamped
 
   // Double: fast when 2^-54 <= x < 1, i.e. 0x3C900000 <= hx < 0x3FF00000; the
   // offset maps that interval onto the lowest signed values, so one signed

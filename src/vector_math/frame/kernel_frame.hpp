@@ -11,13 +11,17 @@
 //     those lanes are replaced by the safe input before the vector formula runs
 //     (so table lookups never see them), then settled one by one, lowest first,
 //     by the family's scalar routine; a nonzero status goes to the error
-//     routine, which may replace the element.
+//     routine, which may replace the element. A family whose formula is safe
+//     on any input (it clamps its own table indices) sets
+//     kFormulaTakesAnyInput and saves the replacement, which lies on the
+//     critical path of every block.
 //
 // A family provides Policy<fam::Name, T, A> with:
 //   static constexpr const char* kName;        // name given to the error routine
 //   static constexpr bool kSetsControlWord;    // false for families that leave MXCSR alone
 //   static constexpr T kSafeInput;             // an input inside the fast range
 //   static constexpr T kSafeInput2;            // (two-input shape) the same for b
+//   static constexpr bool kFormulaTakesAnyInput;  // optional, default false (below)
 //   static Vec<T> special(Vec<T> a [, Vec<T> b]);    // lane mask of inputs to settle
 //   static Vec<T> vector(Vec<T> a [, Vec<T> b]);     // the fast formula
 //   static int32_t scalar(const T* a, [const T* b,] T* r);   // one element, returns a status
@@ -68,6 +72,16 @@ namespace frame {
 template <class T>
 using V = simd::Vec<T>;
 
+// The inputs the vector formula sees: special lanes replaced by `safe`,
+// unless the family's formula takes any input.
+template <class P, class T>
+V<T> screen(V<T> x, V<T> mask, T safe) {
+  if constexpr (requires { P::kFormulaTakesAnyInput; }) {
+    if constexpr (P::kFormulaTakesAnyInput) return x;
+  }
+  return simd::select(mask, x, simd::broadcast(safe));
+}
+
 // Loads g elements (a whole vector, or fewer padded with `pad`).
 template <class T>
 V<T> load_group(const T* p, int g, T pad) {
@@ -97,7 +111,7 @@ struct In1Out1 {
   }
   static V<T> special(const Lanes& x) { return P::special(x.a); }
   void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
-    const V<T> y = P::vector(simd::select(mask, x.a, simd::broadcast(P::kSafeInput)));
+    const V<T> y = P::vector(screen<P>(x.a, mask, P::kSafeInput));
     store_group(r + i, y, g);
   }
   void settle(int32_t i) const {
@@ -116,8 +130,7 @@ struct In2Out1 {
   }
   static V<T> special(const Lanes& x) { return P::special(x.a, x.b); }
   void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
-    const V<T> y = P::vector(simd::select(mask, x.a, simd::broadcast(P::kSafeInput)),
-                             simd::select(mask, x.b, simd::broadcast(P::kSafeInput2)));
+    const V<T> y = P::vector(screen<P>(x.a, mask, P::kSafeInput), screen<P>(x.b, mask, P::kSafeInput2));
     store_group(r + i, y, g);
   }
   void settle(int32_t i) const {
@@ -139,7 +152,7 @@ struct In1ScalarOut1 {
   }
   V<T> special(const Lanes& x) const { return P::special(x.a, simd::broadcast(b)); }
   void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
-    const V<T> y = P::vector(simd::select(mask, x.a, simd::broadcast(P::kSafeInput)), simd::broadcast(b));
+    const V<T> y = P::vector(screen<P>(x.a, mask, P::kSafeInput), simd::broadcast(b));
     store_group(r + i, y, g);
   }
   void settle(int32_t i) const {
@@ -160,7 +173,7 @@ struct In1Out2 {
   static V<T> special(const Lanes& x) { return P::special(x.a); }
   void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
     V<T> y1, y2;
-    P::vector(simd::select(mask, x.a, simd::broadcast(P::kSafeInput)), y1, y2);
+    P::vector(screen<P>(x.a, mask, P::kSafeInput), y1, y2);
     store_group(r1 + i, y1, g);
     store_group(r2 + i, y2, g);
   }
