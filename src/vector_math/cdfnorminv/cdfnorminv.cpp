@@ -4,10 +4,11 @@
 //   remaining significand bits give t = m - centre, R = row polynomial in t.
 //   Double: EP cubic on 16 pieces per binade (|t| <= 1/32), LA degree 11 and
 //   HA degree 14 on 4 pieces per binade (|t| <= 1/8); HA keeps c0, c1 and
-//   2a - 1 in double-double. Single: evaluated in double on 4 pieces per
-//   binade down to the smallest subnormal, degree 5 / 3 / 2 for HA / LA / EP.
-// Accuracy: d HA 0.51 ulp, LA 1.5 ulp, EP 2^-29 rel; s HA 0.51 ulp, LA 0.6 ulp,
-//   EP 2^-17 rel (measured by tests/vector_math/cdfnorminv_accuracy).
+//   2a - 1 in double-double. Single: HA and LA evaluated in double (degree 5
+//   and 4) down to the smallest subnormal; EP in float (degree 2) down to
+//   2^-125, below which the scalar routine takes over.
+// Accuracy: d HA 0.501 ulp, LA 3.0 ulp, EP 2^-27 rel; s HA 0.53 ulp, LA 1.2 ulp,
+//   EP 2^-15 rel (measured by tests/vector_math/cdfnorminv_accuracy).
 // Special: 0 and -0 -> -inf, 1 -> +inf, status 2; a < 0, a > 1, +-inf -> NaN,
 //   status 1; NaN -> NaN quietly; 1/2 -> +0 exactly. Double a < 2^-54 takes the
 //   far-tail routine (cdfnorminv_tail.cpp). The control word is left alone.

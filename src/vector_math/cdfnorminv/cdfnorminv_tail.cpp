@@ -1,7 +1,8 @@
 // Far tail of the inverse normal CDF, 0 < x < 2^-54 (result below -8.1):
 // with w = -ln x and s = 1/sqrt(w), Phi^-1(x) = -Q(s) * sqrt(w) where Q is
 // smooth and close to sqrt(2). ln x, s and sqrt(w) are carried in
-// double-double so that only the last product rounds noticeably.
+// double-double so that only the last product rounds noticeably. Rows of the
+// Q table hold c0..c14 and, in their 16th slot, the low part of c0.
 #include <bit>
 #include <cmath>
 #include <cstdint>
