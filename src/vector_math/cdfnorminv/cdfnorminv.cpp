@@ -65,21 +65,31 @@ constexpr const auto& layout() {
   }
 }
 
-// R(y) * (2x - 1) for the lanes x of one vector inside the fast range.
+// One vector reduced: 2x, t and the coefficients of each lane's row.
 template <class R, const Layout<R>& L>
-[[gnu::always_inline]] inline simd::Vec<R> bulk(simd::Vec<R> x) {
+struct Reduced {
+  simd::Vec<R> x2, t;
+  simd::Vec<R> c[(L.row_length + 3) / 4 * 4];
+};
+
+// First half of R(y) * (2x - 1) for the lanes x of one vector: the reduction
+// and the table loads. Kernels reduce all their vectors before evaluating
+// any, so that the loads of later vectors do not wait behind the polynomials
+// of earlier ones.
+template <class R, const Layout<R>& L>
+[[gnu::always_inline]] inline Reduced<R, L> reduce(simd::Vec<R> x) {
   using V = simd::Vec<R>;
   constexpr bool kDouble = std::is_same_v<R, double>;
+  Reduced<R, L> z;
   const V one = simd::broadcast(R(1)), two = simd::broadcast(R(2));
-  const V x2 = x + x;
-  const V y = simd::select(x < simd::broadcast(R(0.5)), two - x2, x2);
+  z.x2 = x + x;
+  const V y = simd::select(x < simd::broadcast(R(0.5)), two - z.x2, z.x2);
 
   // Row: B - (hy >> s), clamped to the table: x = 1/2 gives y = 1 and row -1,
   // taken as row 0 where the factor 2x - 1 = 0 makes the result +0; lanes
   // outside the fast range (settled later) land on the first or last row.
   // t = (significand bits below the index, under the exponent of 1.0) - centre.
-  V c[(L.row_length + 3) / 4 * 4];
-  V t;
+  V m;
   if constexpr (kDouble) {
     // In the 64-bit lanes directly: no cross-lane shuffle on the way to the loads.
     __m256i k = _mm256_sub_epi64(_mm256_set1_epi64x(L.base), _mm256_srli_epi64(simd::bits(y), 32 + L.shift));
@@ -88,22 +98,30 @@ template <class R, const Layout<R>& L>
     k = _mm256_blendv_epi8(k, last, _mm256_cmpgt_epi64(k, last));
     const simd::Rows4 rows = simd::rows4(L.table, k, L.row_length);
 #pragma GCC unroll 8
-    for (int j = 0; j < L.row_length; j += 4) simd::gather_rows4(rows, j, c + j);
+    for (int j = 0; j < L.row_length; j += 4) simd::gather_rows4(rows, j, z.c + j);
     const __m256i keep = _mm256_set1_epi64x((int64_t{1} << (32 + L.shift)) - 1);
-    t = simd::from_bits_d(_mm256_or_si256(_mm256_and_si256(simd::bits(y), keep), simd::bits(one)));
+    m = simd::from_bits_d(_mm256_or_si256(_mm256_and_si256(simd::bits(y), keep), simd::bits(one)));
   } else {
     __m256i k = _mm256_sub_epi32(_mm256_set1_epi32(L.base), _mm256_srli_epi32(simd::bits(y), L.shift));
     k = _mm256_min_epi32(_mm256_max_epi32(k, _mm256_setzero_si256()), _mm256_set1_epi32(L.rows - 1));
-    simd::gather_rows8(L.table, _mm256_slli_epi32(k, 2), c);  // rows of 4 floats
+    simd::gather_rows8(L.table, _mm256_slli_epi32(k, 2), z.c);  // rows of 4 floats
     const __m256i keep = _mm256_set1_epi32((1 << L.shift) - 1);
-    t = simd::from_bits_f(_mm256_or_si256(_mm256_and_si256(simd::bits(y), keep), simd::bits(one)));
+    m = simd::from_bits_f(_mm256_or_si256(_mm256_and_si256(simd::bits(y), keep), simd::bits(one)));
   }
-  t = t - simd::broadcast(L.constants()[kCentre]);
+  z.t = m - simd::broadcast(L.constants()[kCentre]);
+  return z;
+}
 
+// Second half: the row polynomial R at t, times 2x - 1.
+template <class R, const Layout<R>& L>
+[[gnu::always_inline]] inline simd::Vec<R> evaluate(const Reduced<R, L>& z) {
+  using V = simd::Vec<R>;
+  const V t = z.t;
+  const V* c = z.c;
   if constexpr (!L.split) {
     // Estrin: the dependency chain of a long Horner scheme bounds the speed.
     const V r = poly::estrin<L.degree + 1>(c, t);
-    return r * (x2 - one);  // 2x - 1 rounds for x < 1/4: at most 0.5 ulp more
+    return r * (z.x2 - simd::broadcast(R(1)));  // 2x - 1 rounds for x < 1/4: 0.5 ulp more
   } else {
     // R = (c0_hi + c1_hi t) + (c0_lo + c1_lo t + t^2 q), the head exact;
     // q = c2 + c3 t + ... is below 2^-3 of R, so its rounding is negligible.
@@ -113,7 +131,7 @@ template <class R, const Layout<R>& L>
     const dd::DD<V> head = dd::fast_two_sum(c0_hi, lin.hi);
     const V tail = simd::fma(t, simd::fma(t, q, c[1]), c[0]) + (head.lo + lin.lo);
     // 2x - 1 exactly as a double-double; one rounding for the product.
-    const dd::DD<V> d = dd::fast_two_sum(simd::broadcast(R(-1)), x2);
+    const dd::DD<V> d = dd::fast_two_sum(simd::broadcast(R(-1)), z.x2);
     return simd::fma(head.hi, d.hi, simd::fma(head.hi, d.lo, tail * d.hi));
   }
 }
@@ -201,13 +219,27 @@ struct Policy<fam::CdfNormInv, T, A> {
     }
   }
 
+  static constexpr const auto& L = layout<T, A>();
+  using R = std::remove_cvref_t<decltype(*L.table)>;
+
   [[gnu::always_inline]] static simd::Vec<T> vector(simd::Vec<T> x) {
-    constexpr const auto& L = layout<T, A>();
-    using R = std::remove_cvref_t<decltype(*L.table)>;
-    if constexpr (std::is_same_v<R, T>)
-      return bulk<R, L>(x);
-    else  // float lanes evaluated in double
-      return simd::narrow(bulk<R, L>(simd::widen_low(x)), bulk<R, L>(simd::widen_high(x)));
+    if constexpr (std::is_same_v<R, T>) {
+      return evaluate<R, L>(reduce<R, L>(x));
+    } else {  // float lanes evaluated in double
+      const auto lo = reduce<R, L>(simd::widen_low(x)), hi = reduce<R, L>(simd::widen_high(x));
+      return simd::narrow(evaluate<R, L>(lo), evaluate<R, L>(hi));
+    }
+  }
+
+  // Two vectors at once, both reduced before either is evaluated.
+  [[gnu::always_inline]] static void vector2(simd::Vec<T> x0, simd::Vec<T> x1, simd::Vec<T>& r0,
+                                             simd::Vec<T>& r1) {
+    if constexpr (std::is_same_v<R, T>) {
+      const auto z0 = reduce<R, L>(x0), z1 = reduce<R, L>(x1);
+      r0 = evaluate<R, L>(z0), r1 = evaluate<R, L>(z1);
+    } else {
+      r0 = vector(x0), r1 = vector(x1);
+    }
   }
 
   static int32_t scalar(const T* x, T* r) {

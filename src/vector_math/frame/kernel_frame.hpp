@@ -114,6 +114,16 @@ struct In1Out1 {
     const V<T> y = P::vector(screen<P>(x.a, mask, P::kSafeInput));
     store_group(r + i, y, g);
   }
+  // A whole pass of two vectors; families may evaluate both together.
+  void compute_store2(int32_t i, Lanes x0, Lanes x1, V<T> m0, V<T> m1) const {
+    if constexpr (requires(V<T> v) { P::vector2(v, v, v, v); }) {
+      V<T> y0, y1;
+      P::vector2(screen<P>(x0.a, m0, P::kSafeInput), screen<P>(x1.a, m1, P::kSafeInput), y0, y1);
+      simd::store(r + i, y0), simd::store(r + i + V<T>::kLanes, y1);
+    } else {
+      compute_store(i, V<T>::kLanes, x0, m0), compute_store(i + V<T>::kLanes, V<T>::kLanes, x1, m1);
+    }
+  }
   void settle(int32_t i) const {
     if (const int32_t s = P::scalar(a + i, r + i); s != 0) report_error<T>(s, i, a, a, r, r, P::kName);
   }
@@ -209,8 +219,12 @@ void run(int64_t count, const Shape& io) {
     const auto x0 = io.load(i, W);
     const auto x1 = io.load(i + W, W);
     const V<T> m0 = io.special(x0), m1 = io.special(x1);
-    io.compute_store(i, W, x0, m0);
-    io.compute_store(i + W, W, x1, m1);
+    if constexpr (requires { io.compute_store2(i, x0, x1, m0, m1); }) {
+      io.compute_store2(i, x0, x1, m0, m1);
+    } else {
+      io.compute_store(i, W, x0, m0);
+      io.compute_store(i + W, W, x1, m1);
+    }
     unsigned bits = simd::lane_bits(m0) | (simd::lane_bits(m1) << W);
     while (bits != 0) {
       const int k = __builtin_ctz(bits);
