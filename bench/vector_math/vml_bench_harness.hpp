@@ -2,8 +2,22 @@
 // (SLEEF, libmvec, scalar libm loops, other libraries) as Google Benchmark runs
 // over the same inputs, at n = 1024 (in cache) and n = 1048576, and prints a
 // table of ns/element with each kernel's ratio to the fastest peer of its
-// accuracy class. Family files call add_* at static-initialisation time
-// through a Registrar.
+// accuracy class. Family files register their candidates at
+// static-initialisation time through a Registrar, e.g. for a logarithm:
+//
+//   #include <sleef.h>
+//   extern "C" __m256d _ZGVdN4v_log(__m256d);  // libmvec, AVX2
+//   const oxa::bench::Registrar r([] {
+//     const auto fill = oxa::bench::uniform<double>(1e-300, 1e300);
+//     add({"dLn", "1ulp", "oxa HA", true, kernel(oxa_vml_kernel_dLn_E9HAynn), fill});
+//     add({"dLn", "1ulp", "SLEEF u10", false, vector_loop(Sleef_logd4_u10avx2), fill});
+//     add({"dLn", "4ulp", "SLEEF u35", false, vector_loop(Sleef_logd4_u35avx2), fill});
+//     add({"dLn", "4ulp", "libmvec", false, vector_loop(_ZGVdN4v_log), fill});
+//     add({"dLn", "1ulp", "libm loop", false, scalar_loop<double>(std::log), fill});
+//   });
+//
+// Run: build/default/bench/vector_math/bench_vector_math (the table comes
+// last; --benchmark_filter=dLn narrows it).
 #pragma once
 
 #include <immintrin.h>
