@@ -125,14 +125,16 @@ template <class R, const Layout<R>& L>
   } else {
     // R = (c0_hi + c1_hi t) + (c0_lo + c1_lo t + t^2 q), the head exact;
     // q = c2 + c3 t + ... is below 2^-3 of R, so its rounding is negligible.
+    // Everything but q is ready early, so only three operations follow q.
     const V q = poly::estrin<L.degree - 1>(c + 2, t);
     const V c0_hi = c[L.degree + 1], c1_hi = c[L.degree + 2];
     const dd::DD<V> lin = dd::two_prod(c1_hi, t);
     const dd::DD<V> head = dd::fast_two_sum(c0_hi, lin.hi);
-    const V tail = simd::fma(t, simd::fma(t, q, c[1]), c[0]) + (head.lo + lin.lo);
+    const V low = simd::fma(c[1], t, c[0]) + (head.lo + lin.lo);
+    const V tail = simd::fma(t * t, q, low);
     // 2x - 1 exactly as a double-double; one rounding for the product.
     const dd::DD<V> d = dd::fast_two_sum(simd::broadcast(R(-1)), z.x2);
-    return simd::fma(head.hi, d.hi, simd::fma(head.hi, d.lo, tail * d.hi));
+    return simd::fma(head.hi, d.hi, simd::fma(tail, d.hi, head.hi * d.lo));
   }
 }
 
