@@ -7,8 +7,8 @@
 //   2a - 1 in double-double. Single: HA and LA evaluated in double (degree 5
 //   and 4) down to the smallest subnormal; EP in float (degree 2) down to
 //   2^-125, below which the scalar routine takes over.
-// Accuracy: d HA 0.501 ulp, LA 3.0 ulp, EP 2^-27 rel; s HA 0.53 ulp, LA 1.2 ulp,
-//   EP 2^-15 rel (measured by tests/vector_math/cdfnorminv_accuracy).
+// Accuracy: d HA 0.503 ulp, LA 2.1 ulp, EP 2^-27 rel; s HA 0.54 ulp, LA 1.4 ulp,
+//   EP 2^-15 rel (tests/vector_math/cdfnorminv_accuracy; s over every float).
 // Special: 0 and -0 -> -inf, 1 -> +inf, status 2; a < 0, a > 1, +-inf -> NaN,
 //   status 1; NaN -> NaN quietly; 1/2 -> +0 exactly. Double a < 2^-54 takes the
 //   far-tail routine (cdfnorminv_tail.cpp). The control word is left alone.
@@ -34,23 +34,24 @@ enum Constant { kRowBase, kMaskBits, kCentre, kHalf, kOne, kTwo, kPosInf, kNegIn
 
 // Row layout of one table: element type R of the table and of the
 // arithmetic, row length, polynomial degree, index shift and base, whether c0
-// and c1 are split (row = c0_lo, c1_lo, c2..cD, c0_hi, c1_hi). Double tables
-// are indexed by the high word of y, the float table by the bits of y.
+// and c1 are split (row = c0_lo, c1_lo, c2..cD, c0_hi, c1_hi), whether 2x - 1
+// is kept exact. Double tables are indexed by the high word of y, the float
+// table by the bits of y.
 template <class R>
 struct Layout {
   const R* table;
   int rows, row_length, degree, shift;
   int32_t base;
-  bool split;
+  bool split, exact_factor;
   const R* constants() const { return table + rows * row_length; }
 };
 
-constexpr Layout<double> kDoubleEP{dCdfNormInv_EP_Table, 851, 4, 3, 16, 0x3FEF, false};
-constexpr Layout<double> kDoubleLA{dCdfNormInv_LA_Table, 213, 12, 11, 18, 0xFFB, false};
-constexpr Layout<double> kDoubleHA{dCdfNormInv_HA_Table, 212, 17, 14, 18, 0xFFB, true};
-constexpr Layout<double> kSingleHA{sCdfNormInv_HA_Table, 592, 6, 5, 18, 0xFFB, false};
-constexpr Layout<double> kSingleLA{sCdfNormInv_LA_Table, 592, 5, 4, 18, 0xFFB, false};
-constexpr Layout<float> kSingleEP{sCdfNormInv_EP_Table, 504, 4, 2, 21, 0x1FB, false};
+constexpr Layout<double> kDoubleEP{dCdfNormInv_EP_Table, 851, 4, 3, 16, 0x3FEF, false, false};
+constexpr Layout<double> kDoubleLA{dCdfNormInv_LA_Table, 213, 12, 11, 18, 0xFFB, false, true};
+constexpr Layout<double> kDoubleHA{dCdfNormInv_HA_Table, 212, 17, 14, 18, 0xFFB, true, true};
+constexpr Layout<double> kSingleHA{sCdfNormInv_HA_Table, 592, 6, 5, 18, 0xFFB, false, false};
+constexpr Layout<double> kSingleLA{sCdfNormInv_LA_Table, 592, 5, 4, 18, 0xFFB, false, false};
+constexpr Layout<float> kSingleEP{sCdfNormInv_EP_Table, 504, 4, 2, 21, 0x1FB, false, false};
 
 template <class T, Acc A>
 constexpr const auto& layout() {
@@ -119,9 +120,15 @@ template <class R, const Layout<R>& L>
   const V t = z.t;
   const V* c = z.c;
   if constexpr (!L.split) {
-    // Estrin: the dependency chain of a long Horner scheme bounds the speed.
-    const V r = poly::estrin<L.degree + 1>(c, t);
-    return r * (z.x2 - simd::broadcast(R(1)));  // 2x - 1 rounds for x < 1/4: 0.5 ulp more
+    // Estrin on c2.. (a long Horner chain bounds the speed), Horner for the
+    // last two steps, which keeps the rounding of R near 0.5 ulp.
+    const V r = simd::fma(simd::fma(poly::estrin<L.degree - 1>(c + 2, t), t, c[1]), t, c[0]);
+    if constexpr (L.exact_factor) {  // 2x - 1 as a double-double: no rounding before the product
+      const dd::DD<V> d = dd::fast_two_sum(simd::broadcast(R(-1)), z.x2);
+      return simd::fma(r, d.hi, r * d.lo);
+    } else {
+      return r * (z.x2 - simd::broadcast(R(1)));  // 2x - 1 rounds for x < 1/4: 0.5 ulp more
+    }
   } else {
     // R = (c0_hi + c1_hi t) + (c0_lo + c1_lo t + t^2 q), the head exact;
     // q = c2 + c3 t + ... is below 2^-3 of R, so its rounding is negligible.
