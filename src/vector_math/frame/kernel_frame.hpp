@@ -21,12 +21,15 @@
 //   static constexpr bool kSetsControlWord;    // false for families that leave MXCSR alone
 //   static constexpr T kSafeInput;             // an input inside the fast range
 //   static constexpr T kSafeInput2;            // (two-input shape) the same for b
-//   static constexpr bool kFormulaTakesAnyInput;  // optional, default false (below)
+//   static constexpr bool kFormulaTakesAnyInput;  // optional, default false (above)
 //   static Vec<T> special(Vec<T> a [, Vec<T> b]);    // lane mask of inputs to settle
 //   static Vec<T> vector(Vec<T> a [, Vec<T> b]);     // the fast formula
 //   static int32_t scalar(const T* a, [const T* b,] T* r);   // one element, returns a status
 // (the one-in-two-out shape: vector(a, r1&, r2&) and scalar(a, r1, r2)),
-// and instantiates the kernels it exports, e.g.
+// optionally, for the one-in-one-out shape, a formula for a whole pass,
+//   static void vector2(Vec<T> a0, Vec<T> a1, Vec<T>& r0, Vec<T>& r1);
+// (latency-bound formulas gain by starting both vectors' table loads before
+// either polynomial), and instantiates the kernels it exports, e.g.
 //   template void kernel_in1_out1<fam::Name, double, Acc::HA>(int64_t, const double*, double*);
 #pragma once
 
