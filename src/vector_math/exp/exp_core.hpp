@@ -15,6 +15,7 @@
 #include <cstdint>
 
 #include "oxa/vector_math.h"
+#include "vector_math/frame/lanes.hpp"
 #include "vector_math/frame/simd.hpp"
 
 namespace oxa::vml::expc {
@@ -61,10 +62,11 @@ struct Exp {
     // (k div N) into the exponent field, wrapping modulo 2^64 like the bits.
     const __m256i top = _mm256_add_epi64(_mm256_slli_epi64(_mm256_andnot_si256(_mm256_set1_epi64x(kN - 1), ki), 45),
                                          _mm256_set1_epi64x(adjust << 52));
-    const VD hi{_mm256_i64gather_pd(kExp2Hi, j, 8)};
+    VD hi, tail;
+    lanes::load_pairs4(kExp2, j, hi, tail);
     const VD scale = simd::from_bits_d(_mm256_add_epi64(simd::bits(hi), top));
     VD p = expm1_small<Deg>(r);
-    if constexpr (kTail) p = p + VD{_mm256_i64gather_pd(kExp2Tail, j, 8)};
+    if constexpr (kTail) p = p + tail;
     return simd::fma(scale, p, scale);
   }
   static constexpr int kN = 128;

@@ -1,7 +1,7 @@
 // Ln: r = ln a.
 // Method: a = 2^k z, z in [0.707, 1.414), 128 rows of (1/c, ln c); ln a =
 //   k ln2 + ln c + ln1p(z/c - 1), ln1p a Taylor polynomial on |r| < 2^-7.6
-//   (ln_core.hpp). d HA sums the leading terms in double-double, LA and EP
+//   (ln_core.hpp). d HA sums the leading terms without rounding, LA and EP
 //   round three times; single precision is evaluated in double and rounded
 //   once.
 // Accuracy: d HA 0.50 ulp, LA 1.1 ulp, EP 2^-31 rel; s HA 0.50 ulp, LA 0.50
@@ -37,7 +37,7 @@ template <class T, Acc A>
 [[gnu::always_inline]] inline VD ln_of(VD x, VD k_adjust) {
   if constexpr (std::is_same_v<T, double>) {
     if constexpr (A == Acc::HA) {
-      const dd::DD<VD> l = lnc::ln_dd<8>(x, k_adjust);
+      const dd::DD<VD> l = lnc::ln_hilo<8, false>(x, k_adjust);
       return l.hi + l.lo;
     } else {
       return lnc::ln_plain<A == Acc::LA ? 7 : 4>(x, k_adjust);

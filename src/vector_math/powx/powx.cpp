@@ -53,7 +53,7 @@ struct PowCore {
   // The argument x + x_lo of e^.
   [[gnu::always_inline]] static dd::DD<VD> argument(VD a, VD b, VD k_adjust) {
     if constexpr (kDD) {
-      const dd::DD<VD> l = lnc::ln_dd<kLnDeg>(a, k_adjust);
+      const dd::DD<VD> l = lnc::ln_hilo<kLnDeg, true>(a, k_adjust);
       const VD hi = b * l.hi;
       return {hi, simd::fma(b, l.lo, simd::fms(b, l.hi, hi))};
     } else {
