@@ -10,7 +10,13 @@ tail (2^(j/N) - hi_j) / hi_j, so that 2^(j/N) = hi_j * (1 + tail_j) to about
 2^-106. Pairs are adjacent so that one 16-byte load fetches both.
 Also emitted: N/ln2, and ln2/N split into a head with 16 trailing zero bits
 (k * head is exact for |k| < 2^20) and the rounded remainder.
+
+Single precision uses its own small table, N = 8, kept in one vector
+register: 2^(j/8) = hi_j (1 + tail_j) in floats, with 8/ln2 and ln2/8 split
+into a head of 12 significant bits (k * head exact for |k| < 2^12) and a
+remainder, all rounded to float.
 """
+import struct
 from mpmath import mp, mpf, log, ldexp, floor
 
 mp.prec = 200
@@ -20,6 +26,11 @@ N = 128
 def d(x):
     """Nearest double of an mpf, as a Python float."""
     return float(x)
+
+
+def f32(x):
+    """Nearest float (binary32) of an mpf, as a Python float."""
+    return struct.unpack("<f", struct.pack("<f", float(x)))[0]
 
 
 def hexf(x):
@@ -45,6 +56,16 @@ def main():
         tail = d((v - mpf(hi)) / mpf(hi))
         print(f"    {hi.hex()}, {tail.hex()},")
     print("};")
+    step8 = ln2 / 8
+    head8 = ldexp(floor(ldexp(step8, 4 + 11) + mpf(1) / 2), -(4 + 11))  # 12 bits
+    print(f"constexpr float kInvLn2N8f = {f32(8 / ln2).hex()}f;  // 8 / ln 2")
+    print(f"constexpr float kLn2N8Headf = {f32(head8).hex()}f;  // ln2/8, 12 bits")
+    print(f"constexpr float kLn2N8Tailf = {f32(step8 - head8).hex()}f;")
+    hi8 = [f32(mpf(2) ** (mpf(j) / 8)) for j in range(8)]
+    print("alignas(32) constexpr float kExp2N8Hif[8] = {" +
+          ", ".join(f"{h.hex()}f" for h in hi8) + "};")
+    print("alignas(32) constexpr float kExp2N8Tailf[8] = {" +
+          ", ".join(f"{f32((mpf(2) ** (mpf(j) / 8) - mpf(h)) / mpf(h)).hex()}f" for j, h in enumerate(hi8)) + "};")
 
 if __name__ == "__main__":
     main()

@@ -72,6 +72,33 @@ struct Exp {
   static constexpr int kN = 128;
 };
 
+// Single precision, eight float lanes: N = 8 and the table of 2^(j/8) (with
+// its tails) lives in one register each, fetched by a lane permutation.
+// |r| <= ln2/16; e^r - 1 of degree Deg in float (truncation 2^-29.6 for
+// Deg = 4, 2^-16.2 for 2). The table tail is worth 0.5 ulp; float roundings
+// in r and the polynomial add about 0.1 ulp.
+template <int Deg, bool kTail>
+struct ExpSingle {
+  using VF = simd::Vec<float>;
+  // e^x for |x| < 87 (the result is then a normal float).
+  [[gnu::always_inline]] static VF eval(VF x) {
+    const VF kf{_mm256_round_ps((x * simd::broadcast(kInvLn2N8f)).v, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
+    VF r = simd::fnma(kf, simd::broadcast(kLn2N8Headf), x);  // exact
+    r = simd::fnma(kf, simd::broadcast(kLn2N8Tailf), r);
+    const __m256i ki = _mm256_cvtps_epi32(kf.v);
+    const __m256i j = _mm256_and_si256(ki, _mm256_set1_epi32(7));
+    const __m256i top = _mm256_slli_epi32(_mm256_srai_epi32(ki, 3), 23);
+    const __m256 hi = _mm256_permutevar8x32_ps(_mm256_load_ps(kExp2N8Hif), j);
+    const VF scale = simd::from_bits_f(_mm256_add_epi32(_mm256_castps_si256(hi), top));
+    VF q = simd::broadcast(static_cast<float>(kInvFact[Deg - 2]));
+#pragma GCC unroll 4
+    for (int n = Deg - 3; n >= 0; --n) q = simd::fma(q, r, simd::broadcast(static_cast<float>(kInvFact[n])));
+    VF p = simd::fma(r * r, q, r);
+    if constexpr (kTail) p = p + VF{_mm256_permutevar8x32_ps(_mm256_load_ps(kExp2N8Tailf), j)};
+    return simd::fma(scale, p, scale);
+  }
+};
+
 // Values the optimiser must not fold, so that overflow and underflow happen
 // at run time and raise the processor's flags.
 inline double opaque(double v) {
