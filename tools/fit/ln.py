@@ -60,6 +60,40 @@ def main():
     for r in rows:
         print(f"    {r[0].hex()}, {r[1].hex()}, {r[2].hex()}, 0.0,")
     print("};")
+    single()
+
+
+def f32(x):
+    return struct.unpack("<f", struct.pack("<f", float(x)))[0]
+
+
+def bits_to_float(b):
+    return struct.unpack("<f", struct.pack("<I", b))[0]
+
+
+def single():
+    off = 0x3F330000
+    ln2 = log(2)
+    head = ldexp(floor(ldexp(ln2, 12) + mpf(1) / 2), -12)
+    print(f"constexpr uint32_t kLnOffsetf = 0x{off:08X};")
+    print(f"constexpr float kLn2Headf = {f32(head).hex()}f;  // 12 bits")
+    print(f"constexpr float kLn2Tailf = {f32(ln2 - head).hex()}f;")
+    one_row = (0x3F800000 - off) >> 19
+    cols = ([], [], [])
+    rmax = mpf(0)
+    for i in range(16):
+        z0, z1 = mpf(bits_to_float(off + (i << 19))), mpf(bits_to_float(off + ((i + 1) << 19)))
+        invc = 1.0 if i == one_row else f32(1 / ((z0 + z1) / 2))
+        rmax = max(rmax, abs(z0 * invc - 1), abs(z1 * invc - 1))
+        lc = -log(mpf(invc))
+        h = float(ldexp(floor(ldexp(lc, 12) + mpf(1) / 2), -12))
+        cols[0].append(invc)
+        cols[1].append(h)
+        cols[2].append(f32(lc - mpf(h)))
+    print(f"// single: max |z * invc - 1| = {float(rmax):.6g}")
+    for name, col in zip(("kLnInvCf", "kLnLogCHeadf", "kLnLogCTailf"), cols):
+        print(f"alignas(64) constexpr float {name}[16] = {{" + ", ".join(f"{v.hex()}f" for v in col) + "};")
+
 
 if __name__ == "__main__":
     main()

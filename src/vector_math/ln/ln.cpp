@@ -2,8 +2,9 @@
 // Method: a = 2^k z, z in [0.707, 1.414), 128 rows of (1/c, ln c); ln a =
 //   k ln2 + ln c + ln1p(z/c - 1), ln1p a Taylor polynomial on |r| < 2^-7.6
 //   (ln_core.hpp). d HA sums the leading terms without rounding, LA and EP
-//   round three times; single precision is evaluated in double and rounded
-//   once.
+//   round three times. Single precision, in float lanes: 16 rows in
+//   registers, |r| < 2^-5, HA again with an exact leading sum. The scalar
+//   routine works in double.
 // Accuracy: d HA 0.50 ulp, LA 1.1 ulp, EP 2^-31 rel; s HA 0.50 ulp, LA 0.50
 //   ulp, EP 2^-17 rel (measured by tests/vector_math/ln_accuracy).
 // Special: +-0 -> -inf, status 2; a < 0 (and -inf) -> NaN, status 1; +inf ->
@@ -111,11 +112,10 @@ struct Policy<fam::Ln, T, A> {
   }
 
   [[gnu::always_inline]] static simd::Vec<T> vector(simd::Vec<T> x) {
-    const VD zero = simd::broadcast(0.0);
     if constexpr (kDouble)
-      return ln_of<T, A>(x, zero);
+      return ln_of<T, A>(x, simd::broadcast(0.0));
     else
-      return simd::narrow(ln_of<T, A>(simd::widen_low(x), zero), ln_of<T, A>(simd::widen_high(x), zero));
+      return lnc::LnSingle<A == Acc::EP ? 3 : 5, A == Acc::HA>::eval(x);
   }
 
   static int32_t scalar(const T* x, T* r) {
