@@ -16,6 +16,7 @@
 
 #include "oxa/vector_math.h"
 #include "vector_math/frame/lanes.hpp"
+#include "vector_math/frame/runtime_value.hpp"
 #include "vector_math/frame/simd.hpp"
 
 namespace oxa::vml::expc {
@@ -99,13 +100,6 @@ struct ExpSingle {
   }
 };
 
-// Values the optimiser must not fold, so that overflow and underflow happen
-// at run time and raise the processor's flags.
-inline double opaque(double v) {
-  asm("" : "+x"(v));
-  return v;
-}
-
 // e^(x + x_lo) for any finite x, one lane at a time, with its status:
 // VML_ERR_OVERFLOW when the result is +inf, VML_ERR_UNDERFLOW when it is
 // below the smallest normal double (subnormal or zero).
@@ -114,9 +108,9 @@ double exp_wide(double x, double x_lo, int32_t* status) {
   *status = VML_ERR_NONE;
   double y;
   if (x > 710.0) {
-    y = opaque(0x1p1023) * opaque(0x1p1023);
+    y = runtime_value(0x1p1023) * runtime_value(0x1p1023);
   } else if (x < -746.0) {
-    y = opaque(0x1p-1022) * opaque(0x1p-1022);
+    y = runtime_value(0x1p-1022) * runtime_value(0x1p-1022);
   } else if (x > 0) {  // scale by 2^-1 inside, 2 outside: the last step alone may overflow
     double lanes[4];
     simd::store(lanes, E::eval(simd::broadcast(x), simd::broadcast(x_lo), -1));

@@ -5,6 +5,8 @@
 
 #include <immintrin.h>
 
+#include <cstdint>
+
 #include "vector_math/frame/simd.hpp"
 
 namespace oxa::vml::lanes {
