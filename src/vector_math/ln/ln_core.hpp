@@ -12,7 +12,10 @@
 
 #include <cstdint>
 
+#include <type_traits>
+
 #include "vector_math/frame/dd.hpp"
+#include "vector_math/frame/poly.hpp"
 #include "vector_math/frame/simd.hpp"
 
 namespace oxa::vml::lnc {
@@ -27,12 +30,14 @@ inline constexpr double kInvN[] = {-0x1p-1, 0x1.5555555555555p-2, -0x1p-2, 0x1.9
                                    0x1.c71c71c71c71cp-4};
 
 // c_From + c_(From+1) r + ... + c_Deg r^(Deg-From).
-template <int From, int Deg>
-[[gnu::always_inline]] inline VD ln1p_coeffs(VD r) {
-  VD q = simd::broadcast(kInvN[Deg - 2]);
+// Estrin's scheme: the chain of a long Horner scheme bounds the speed.
+template <int From, int Deg, class V = VD>
+[[gnu::always_inline]] inline V ln1p_coeffs(V r) {
+  using E = std::conditional_t<std::is_same_v<V, VD>, double, float>;
+  V c[Deg - From + 1];
 #pragma GCC unroll 8
-  for (int n = Deg - 1; n >= From; --n) q = simd::fma(q, r, simd::broadcast(kInvN[n - 2]));
-  return q;
+  for (int n = From; n <= Deg; ++n) c[n - From] = simd::broadcast(static_cast<E>(kInvN[n - 2]));
+  return poly::estrin<Deg - From + 1>(c, r);
 }
 
 // Reduction of normal positive x: k (as double, plus k_adjust), the row's
@@ -143,12 +148,7 @@ struct LnSingle {
   }
 
   // -1/2 + r/3 - ... up to r^(Deg-2).
-  [[gnu::always_inline]] static VF poly(VF r) {
-    VF q = simd::broadcast(static_cast<float>(kInvN[Deg - 2]));
-#pragma GCC unroll 4
-    for (int n = Deg - 1; n >= 2; --n) q = simd::fma(q, r, simd::broadcast(static_cast<float>(kInvN[n - 2])));
-    return q;
-  }
+  [[gnu::always_inline]] static VF poly(VF r) { return ln1p_coeffs<2, Deg, VF>(r); }
 };
 
 }  // namespace oxa::vml::lnc
