@@ -5,7 +5,7 @@
 //   round three times. Single precision, in float lanes: 16 rows in
 //   registers, |r| < 2^-5, HA again with an exact leading sum. The scalar
 //   routine works in double.
-// Accuracy: d HA 0.50 ulp, LA 1.06 ulp, EP 2^-33 rel; s HA 0.58 ulp, LA 1.49
+// Accuracy: d HA 0.50 ulp, LA 1.22 ulp, EP 2^-32 rel; s HA 0.58 ulp, LA 1.49
 //   ulp (all floats), EP 2^-17 rel (measured by tests/vector_math/ln_accuracy).
 // Special: +-0 -> -inf, status 2; a < 0 (and -inf) -> NaN, status 1; +inf ->
 //   +inf; NaN -> NaN quietly; 1 -> +0. Subnormal inputs (taken as zero when
