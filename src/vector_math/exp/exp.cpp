@@ -3,7 +3,7 @@
 //   HA), e^r - 1 a Taylor polynomial on |r| <= ln2/2N (exp_core.hpp). Double:
 //   N = 128, degree 5. Single, in float lanes: N = 8 with the table in a
 //   register, degree 4 (EP 2). The scalar routine works in double.
-// Accuracy: d HA 0.51 ulp (0.70 on subnormal results), LA 0.99 ulp; s HA
+// Accuracy: d HA 0.51 ulp (0.75 on subnormal results), LA 1.0 ulp; s HA
 //   0.59 ulp, LA 0.88 ulp (all floats), EP 2^-16 rel (measured by
 //   tests/vector_math/exp_accuracy).
 // Special: +inf -> +inf; -inf -> +0; NaN -> NaN quietly; overflow (d a >
