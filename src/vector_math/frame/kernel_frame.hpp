@@ -1,0 +1,242 @@
+// The kernel frame: everything a vector-math kernel does besides its formula.
+//
+//   * control word: unless the family opts out, set flush-to-zero and
+//     denormals-are-zero from the mode's denormal field and select rounding to
+//     nearest, writing MXCSR only if it differs, and restore it on exit only if
+//     it was changed;
+//   * blocked loop: passes of two vectors, then one vector, then groups of half,
+//     quarter, ... a vector down to 1 element, as n's low bits require; partial
+//     groups go through a stack buffer padded with the family's safe input;
+//   * special lanes: the family's integer test on the inputs gives a lane mask;
+//     those lanes are replaced by the safe input before the vector formula runs
+//     (so table lookups never see them), then settled one by one, lowest first,
+//     by the family's scalar routine; a nonzero status goes to the error
+//     routine, which may replace the element.
+//
+// A family provides Policy<fam::Name, T, A> with:
+//   static constexpr const char* kName;        // name given to the error routine
+//   static constexpr bool kSetsControlWord;    // false for families that leave MXCSR alone
+//   static constexpr T kSafeInput;             // an input inside the fast range
+//   static constexpr T kSafeInput2;            // (two-input shape) the same for b
+//   static Vec<T> special(Vec<T> a [, Vec<T> b]);    // lane mask of inputs to settle
+//   static Vec<T> vector(Vec<T> a [, Vec<T> b]);     // the fast formula
+//   static int32_t scalar(const T* a, [const T* b,] T* r);   // one element, returns a status
+// (the one-in-two-out shape: vector(a, r1&, r2&) and scalar(a, r1, r2)),
+// and instantiates the kernels it exports, e.g.
+//   template void kernel_in1_out1<fam::Name, double, Acc::HA>(int64_t, const double*, double*);
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstdint>
+#include <cstring>
+
+#include "oxa/vector_math.h"
+#include "vector_math/frame/errors.hpp"
+#include "vector_math/frame/kernel.hpp"
+#include "vector_math/frame/simd.hpp"
+#include "vector_math/frame/thread_state.hpp"
+
+namespace oxa::vml {
+
+// MXCSR bits: flush-to-zero 0x8000, rounding control 0x6000, denormals-are-zero 0x40.
+class ControlWordScope {
+ public:
+  explicit ControlWordScope(bool active) {
+    if (!active) return;
+    const uint32_t wanted =
+        (current_mode() & OXA_VML_DENORMAL_MASK) == OXA_VML_DENORMAL_FLUSH ? 0x8040u : 0u;
+    saved_ = _mm_getcsr();
+    if ((saved_ & 0xE040u) != wanted) {
+      _mm_setcsr((saved_ & 0xFFFF1FBFu) | wanted);
+      changed_ = true;
+    }
+  }
+  ~ControlWordScope() {
+    if (changed_) _mm_setcsr(saved_);
+  }
+  ControlWordScope(const ControlWordScope&) = delete;
+  ControlWordScope& operator=(const ControlWordScope&) = delete;
+
+ private:
+  uint32_t saved_ = 0;
+  bool changed_ = false;
+};
+
+namespace frame {
+
+template <class T>
+using V = simd::Vec<T>;
+
+// Loads g elements (a whole vector, or fewer padded with `pad`).
+template <class T>
+V<T> load_group(const T* p, int g, T pad) {
+  if (g == V<T>::kLanes) return simd::load(p);
+  T buf[V<T>::kLanes];
+  for (int k = 0; k < V<T>::kLanes; ++k) buf[k] = k < g ? p[k] : pad;
+  return simd::load(buf);
+}
+
+// Stores the first g lanes.
+template <class T>
+void store_group(T* p, V<T> x, int g) {
+  if (g == V<T>::kLanes) return simd::store(p, x);
+  T buf[V<T>::kLanes];
+  simd::store(buf, x);
+  std::memcpy(p, buf, sizeof(T) * static_cast<size_t>(g));
+}
+
+// Shapes: how one group of lanes is loaded, computed, stored and settled.
+template <class P, class T>
+struct In1Out1 {
+  const T* a;
+  T* r;
+  struct Lanes { V<T> a; };
+  Lanes load(int32_t i, int g) const {
+    return {load_group(a + i, g, P::kSafeInput)};
+  }
+  static V<T> special(const Lanes& x) { return P::special(x.a); }
+  void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
+    const V<T> y = P::vector(simd::select(mask, x.a, simd::broadcast(P::kSafeInput)));
+    store_group(r + i, y, g);
+  }
+  void settle(int32_t i) const {
+    if (const int32_t s = P::scalar(a + i, r + i); s != 0) report_error<T>(s, i, a, a, r, r, P::kName);
+  }
+};
+
+template <class P, class T>
+struct In2Out1 {
+  const T* a;
+  const T* b;
+  T* r;
+  struct Lanes { V<T> a, b; };
+  Lanes load(int32_t i, int g) const {
+    return {load_group(a + i, g, P::kSafeInput), load_group(b + i, g, P::kSafeInput2)};
+  }
+  static V<T> special(const Lanes& x) { return P::special(x.a, x.b); }
+  void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
+    const V<T> y = P::vector(simd::select(mask, x.a, simd::broadcast(P::kSafeInput)),
+                             simd::select(mask, x.b, simd::broadcast(P::kSafeInput2)));
+    store_group(r + i, y, g);
+  }
+  void settle(int32_t i) const {
+    if (const int32_t s = P::scalar(a + i, b + i, r + i); s != 0)
+      report_error<T>(s, i, a, b, r, r, P::kName);
+  }
+};
+
+// Vector and scalar (the scalar is reported as the second argument). Special
+// lanes are those the family's test marks for (a, b); b is never replaced.
+template <class P, class T>
+struct In1ScalarOut1 {
+  const T* a;
+  T b;
+  T* r;
+  struct Lanes { V<T> a; };
+  Lanes load(int32_t i, int g) const {
+    return {load_group(a + i, g, P::kSafeInput)};
+  }
+  V<T> special(const Lanes& x) const { return P::special(x.a, simd::broadcast(b)); }
+  void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
+    const V<T> y = P::vector(simd::select(mask, x.a, simd::broadcast(P::kSafeInput)), simd::broadcast(b));
+    store_group(r + i, y, g);
+  }
+  void settle(int32_t i) const {
+    if (const int32_t s = P::scalar(a + i, &b, r + i); s != 0)
+      report_error_site<T>({s, i, a, a[i], b, r, r, P::kName});
+  }
+};
+
+template <class P, class T>
+struct In1Out2 {
+  const T* a;
+  T* r1;
+  T* r2;
+  struct Lanes { V<T> a; };
+  Lanes load(int32_t i, int g) const {
+    return {load_group(a + i, g, P::kSafeInput)};
+  }
+  static V<T> special(const Lanes& x) { return P::special(x.a); }
+  void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
+    V<T> y1, y2;
+    P::vector(simd::select(mask, x.a, simd::broadcast(P::kSafeInput)), y1, y2);
+    store_group(r1 + i, y1, g);
+    store_group(r2 + i, y2, g);
+  }
+  void settle(int32_t i) const {
+    if (const int32_t s = P::scalar(a + i, r1 + i, r2 + i); s != 0)
+      report_error<T>(s, i, a, a, r1, r2, P::kName);
+  }
+};
+
+// One group of g lanes at element i.
+template <class Shape, class T>
+inline void group(const Shape& io, int32_t i, int g) {
+  const auto x = io.load(i, g);
+  const V<T> mask = io.special(x);
+  unsigned bits = simd::lane_bits(mask) & ((1u << g) - 1u);
+  io.compute_store(i, g, x, mask);
+  while (bits != 0) {
+    const int k = __builtin_ctz(bits);
+    bits &= bits - 1;
+    io.settle(i + k);
+  }
+}
+
+// The blocked loop shared by every shape.
+template <class P, class T, class Shape>
+void run(int64_t count, const Shape& io) {
+  constexpr int W = V<T>::kLanes;
+  const int32_t n = static_cast<int32_t>(count);  // the arithmetic kernels use 32 bits of n
+  if (n <= 0) return;
+  ControlWordScope control(P::kSetsControlWord);
+  int32_t i = 0;
+  for (; n - i >= 2 * W; i += 2 * W) {
+    const auto x0 = io.load(i, W);
+    const auto x1 = io.load(i + W, W);
+    const V<T> m0 = io.special(x0), m1 = io.special(x1);
+    io.compute_store(i, W, x0, m0);
+    io.compute_store(i + W, W, x1, m1);
+    unsigned bits = simd::lane_bits(m0) | (simd::lane_bits(m1) << W);
+    while (bits != 0) {
+      const int k = __builtin_ctz(bits);
+      bits &= bits - 1;
+      io.settle(i + k);
+    }
+  }
+  for (int g = W; g >= 1; g /= 2) {
+    if (n - i >= g) {
+      group<Shape, T>(io, i, g);
+      i += g;
+    }
+  }
+}
+
+}  // namespace frame
+
+template <class F, class T, Acc A>
+void kernel_in1_out1(int64_t n, const T* a, T* r) {
+  using P = Policy<F, T, A>;
+  frame::run<P, T>(n, frame::In1Out1<P, T>{a, r});
+}
+
+template <class F, class T, Acc A>
+void kernel_in2_out1(int64_t n, const T* a, const T* b, T* r) {
+  using P = Policy<F, T, A>;
+  frame::run<P, T>(n, frame::In2Out1<P, T>{a, b, r});
+}
+
+template <class F, class T, Acc A>
+void kernel_in1_scalar_out1(int64_t n, const T* a, T b, T* r) {
+  using P = Policy<F, T, A>;
+  frame::run<P, T>(n, frame::In1ScalarOut1<P, T>{a, b, r});
+}
+
+template <class F, class T, Acc A>
+void kernel_in1_out2(int64_t n, const T* a, T* r1, T* r2) {
+  using P = Policy<F, T, A>;
+  frame::run<P, T>(n, frame::In1Out2<P, T>{a, r1, r2});
+}
+
+}  // namespace oxa::vml

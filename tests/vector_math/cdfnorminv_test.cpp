@@ -1,0 +1,178 @@
+// Behaviour of the inverse normal CDF kernels: special values and statuses,
+// the reported elements, symmetry, the fast-range boundary, the far tail and
+// the dispatch entries.
+#include <gtest/gtest.h>
+#include <immintrin.h>
+
+#include <algorithm>
+#include <functional>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "oxa/vector_math.h"
+#include "vector_math/special_harness.hpp"
+
+namespace {
+
+template <class T>
+struct Named {
+  const char* name;
+  oxa::test::Kernel<T> kernel;
+};
+
+const Named<double> kDouble[] = {{"dHA", oxa_vml_kernel_dCdfNormInv_E9HAynn},
+                                 {"dLA", oxa_vml_kernel_dCdfNormInv_E9LAynn},
+                                 {"dEP", oxa_vml_kernel_dCdfNormInv_E9EPnnn}};
+const Named<float> kSingle[] = {{"sHA", oxa_vml_kernel_sCdfNormInv_E9HAynn},
+                                {"sLA", oxa_vml_kernel_sCdfNormInv_E9LAynn},
+                                {"sEP", oxa_vml_kernel_sCdfNormInv_E9EPnnn}};
+
+template <class T>
+std::vector<oxa::test::SpecialCase<T>> special_cases() {
+  constexpr T inf = std::numeric_limits<T>::infinity(), nan = std::numeric_limits<T>::quiet_NaN();
+  return {{T(0.5), T(0), 0},        {T(0), -inf, 2},           {-T(0), -inf, 2},
+          {T(1), inf, 2},           {T(1.5), nan, 1},          {T(-0.1), nan, 1},
+          {inf, nan, 1},            {-inf, nan, 1},            {nan, nan, 0},
+          {-nan, nan, 0}};
+}
+
+template <class T>
+std::vector<T> ordinary(int n) {
+  std::vector<T> v;
+  for (int i = 0; i < n; ++i) v.push_back(T(0.03) + T(0.94) * T(i) / T(n));
+  return v;
+}
+
+TEST(CdfNormInv, SpecialValuesAndStatusesInEveryPosition) {
+  for (const auto& k : kDouble)
+    oxa::test::check_specials<double>(k.name, k.kernel, special_cases<double>(), ordinary<double>(13));
+  for (const auto& k : kSingle)
+    oxa::test::check_specials<float>(k.name, k.kernel, special_cases<float>(), ordinary<float>(29));
+}
+
+// Every offending element is reported in index order with its own status.
+TEST(CdfNormInv, ReportsEachOffendingElementInOrder) {
+  static std::vector<std::pair<int32_t, int32_t>> seen;
+  const VmlErrorCallBack previous = oxa_vml_kernel_SetErrorCallBack([](VmlErrorContext* c) -> int32_t {
+    seen.emplace_back(c->index, c->code);
+    return 1;
+  });
+  const double in[13] = {0.2, 0.0, 0.3, 2.0, 0.4, 0.5, 1.0, 0.6, 0.7, -1.0, 0.8, 0.9, 1.0};
+  for (const auto& k : kDouble) {
+    seen.clear();
+    double out[13];
+    k.kernel(13, in, out);
+    const std::vector<std::pair<int32_t, int32_t>> want = {{1, 2}, {3, 1}, {6, 2}, {9, 1}, {12, 2}};
+    EXPECT_EQ(seen, want) << k.name;
+    EXPECT_EQ(oxa_vml_kernel_GetErrStatus(), 2) << k.name;  // the last one reported
+  }
+  oxa_vml_kernel_SetErrorCallBack(previous);
+  oxa_vml_kernel_ClearErrStatus();
+}
+
+// Phi^-1(1 - a) = -Phi^-1(a) exactly whenever 1 - a is exact.
+TEST(CdfNormInv, ResultsAreAntisymmetricAboutOneHalf) {
+  std::vector<double> a, b;
+  for (int i = 1; i < 4000; ++i) {
+    const double x = 0.5 + 0.25 * i / 4000.0 + 0x1p-50 * i;  // 1 - x is exact for x >= 1/2
+    a.push_back(x), b.push_back(1.0 - x);
+  }
+  a.push_back(0x1p-53), b.push_back(1.0 - 0x1p-53);
+  a.push_back(0x1p-30), b.push_back(1.0 - 0x1p-30);
+  std::vector<double> ra(a.size()), rb(a.size());
+  for (const auto& k : kDouble) {
+    k.kernel(static_cast<int64_t>(a.size()), a.data(), ra.data());
+    k.kernel(static_cast<int64_t>(b.size()), b.data(), rb.data());
+    for (size_t i = 0; i < a.size(); ++i) ASSERT_EQ(ra[i], -rb[i]) << k.name << " at " << a[i];
+  }
+  std::vector<float> fa, fb;
+  for (int i = 1; i < 4000; ++i) fa.push_back(0.5f + 0.25f * i / 4000.0f), fb.push_back(1.0f - fa.back());
+  std::vector<float> fra(fa.size()), frb(fa.size());
+  for (const auto& k : kSingle) {
+    k.kernel(static_cast<int64_t>(fa.size()), fa.data(), fra.data());
+    k.kernel(static_cast<int64_t>(fb.size()), fb.data(), frb.data());
+    for (size_t i = 0; i < fa.size(); ++i) ASSERT_EQ(fra[i], -frb[i]) << k.name << " at " << fa[i];
+  }
+}
+
+// Results decrease strictly as a walks down through 2^-54 (where the fast
+// range hands over to the far-tail routine) and through the subnormals.
+TEST(CdfNormInv, MonotoneAcrossTheFastRangeBoundaryAndIntoSubnormals) {
+  std::vector<double> a;
+  double x = std::ldexp(1.0, -54);
+  for (int i = 0; i < 40; ++i) x = std::nextafter(x, 1.0);
+  for (int i = 0; i < 80; ++i) a.push_back(x), x = std::nextafter(x, 0.0);
+  for (int e = -60; e >= -1074; e -= 7) a.push_back(std::ldexp(1.0, e)), a.push_back(std::ldexp(1.5, e));
+  std::sort(a.begin(), a.end(), std::greater<>());
+  a.push_back(std::numeric_limits<double>::denorm_min());
+  std::vector<double> r(a.size());
+  for (const auto& k : kDouble) {
+    if (k.kernel == oxa_vml_kernel_dCdfNormInv_E9EPnnn) continue;  // EP is only 2^-26 accurate
+    oxa_vml_kernel_SetErrStatus(oxa::test::kUntouched);
+    k.kernel(static_cast<int64_t>(a.size()), a.data(), r.data());
+    EXPECT_EQ(oxa_vml_kernel_GetErrStatus(), oxa::test::kUntouched);
+    for (size_t i = 0; i < a.size(); ++i) {
+      ASSERT_TRUE(std::isfinite(r[i]) && r[i] < -8.0) << k.name << " at " << a[i];
+      if (i > 0) {
+        ASSERT_LE(r[i], r[i - 1]) << k.name << " at " << std::hexfloat << a[i];
+      }
+    }
+  }
+}
+
+TEST(CdfNormInv, DispatchTableCostsAndStubs) {
+  EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ttab[0], &oxa_vml_kernel_dCdfNormInv_E9LAynn);
+  EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ttab[1], &oxa_vml_kernel_dCdfNormInv_E9HAynn);
+  EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ttab[2], &oxa_vml_kernel_dCdfNormInv_E9EPnnn);
+  EXPECT_EQ(oxa_vml_kernel_sCdfNormInv_ttab[0], &oxa_vml_kernel_sCdfNormInv_E9LAynn);
+  EXPECT_EQ(oxa_vml_kernel_sCdfNormInv_ttab[1], &oxa_vml_kernel_sCdfNormInv_E9HAynn);
+  EXPECT_EQ(oxa_vml_kernel_sCdfNormInv_ttab[2], &oxa_vml_kernel_sCdfNormInv_E9EPnnn);
+  EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ctab[0], 2.0f);
+  EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ctab[1], 3.0f);
+  EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ctab[2], 1.0f);
+
+  const double a[3] = {0.1, 0.7, 1e-3};
+  double want[3], got[3];
+  const struct {
+    void (*stub)(int64_t, const double*, double*);
+    OxaVmlKernel_d kernel;
+  } d[] = {{_vmldCdfNormInv, oxa_vml_kernel_dCdfNormInv_E9HAynn},
+           {_vmldCdfNormInv_HA, oxa_vml_kernel_dCdfNormInv_E9HAynn},
+           {_vmldCdfNormInv_50, oxa_vml_kernel_dCdfNormInv_E9LAynn},
+           {_vmldCdfNormInv_26, oxa_vml_kernel_dCdfNormInv_E9EPnnn}};
+  for (const auto& s : d) {
+    s.stub(3, a, got), s.kernel(3, a, want);
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(got[i], want[i]);
+  }
+  const float fa[3] = {0.1f, 0.7f, 1e-3f};
+  float fwant[3], fgot[3];
+  const struct {
+    void (*stub)(int64_t, const float*, float*);
+    OxaVmlKernel_s kernel;
+  } s[] = {{_vmlsCdfNormInv, oxa_vml_kernel_sCdfNormInv_E9HAynn},
+           {_vmlsCdfNormInv_HA, oxa_vml_kernel_sCdfNormInv_E9HAynn},
+           {_vmlsCdfNormInv_21, oxa_vml_kernel_sCdfNormInv_E9LAynn},
+           {_vmlsCdfNormInv_11, oxa_vml_kernel_sCdfNormInv_E9EPnnn}};
+  for (const auto& st : s) {
+    st.stub(3, fa, fgot), st.kernel(3, fa, fwant);
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(fgot[i], fwant[i]);
+  }
+}
+
+// These kernels neither read nor write the control word: results computed
+// under a directed rounding mode still come back, and the word is unchanged.
+TEST(CdfNormInv, LeavesTheControlWordAlone) {
+  const unsigned saved = _mm_getcsr();
+  const unsigned odd = (saved & ~0x6000u) | 0x6000u | 0x8040u;  // toward zero, FTZ, DAZ
+  _mm_setcsr(odd);
+  const double a[5] = {0.1, 0.2, 0.3, 0.4, 0.6};
+  double r[5];
+  for (const auto& k : kDouble) {
+    k.kernel(5, a, r);
+    EXPECT_EQ(_mm_getcsr() & 0xFFC0u, odd & 0xFFC0u) << k.name;
+  }
+  _mm_setcsr(saved);
+}
+
+}  // namespace
