@@ -132,6 +132,65 @@ void _vmlsCdfNormInv_HA(int64_t n, const float* a, float* r);
 void _vmlsCdfNormInv_21(int64_t n, const float* a, float* r);
 void _vmlsCdfNormInv_11(int64_t n, const float* a, float* r);
 
+/* ---- Exponential, logarithm and power with a scalar exponent ----------------
+ * r[i] = e^a[i], ln a[i], a[i]^b. dExp has no EP kernel: its slot 2 holds LA. */
+
+typedef void (*OxaVmlKernelPowx_s)(int64_t n, const float* a, float b, float* r);
+typedef void (*OxaVmlKernelPowx_d)(int64_t n, const double* a, double b, double* r);
+void oxa_vml_kernel_dExp_E9HAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dExp_E9LAynn(int64_t n, const double* a, double* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dExp_ttab[3]; /* LA, HA, EP */
+extern const float oxa_vml_kernel_dExp_ctab[3];
+void _vmldExp(int64_t n, const double* a, double* r); /* HA */
+void _vmldExp_HA(int64_t n, const double* a, double* r);
+void _vmldExp_50(int64_t n, const double* a, double* r); /* LA */
+void _vmldExp_26(int64_t n, const double* a, double* r); /* EP */
+void oxa_vml_kernel_sExp_E9HAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sExp_E9LAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sExp_E9EPnnn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_s oxa_vml_kernel_sExp_ttab[3]; /* LA, HA, EP */
+extern const float oxa_vml_kernel_sExp_ctab[3];
+void _vmlsExp(int64_t n, const float* a, float* r); /* HA */
+void _vmlsExp_HA(int64_t n, const float* a, float* r);
+void _vmlsExp_21(int64_t n, const float* a, float* r); /* LA */
+void _vmlsExp_11(int64_t n, const float* a, float* r); /* EP */
+void oxa_vml_kernel_dLn_E9HAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dLn_E9LAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dLn_E9EPnnn(int64_t n, const double* a, double* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dLn_ttab[3]; /* LA, HA, EP */
+extern const float oxa_vml_kernel_dLn_ctab[3];
+void _vmldLn(int64_t n, const double* a, double* r); /* HA */
+void _vmldLn_HA(int64_t n, const double* a, double* r);
+void _vmldLn_50(int64_t n, const double* a, double* r); /* LA */
+void _vmldLn_26(int64_t n, const double* a, double* r); /* EP */
+void oxa_vml_kernel_sLn_E9HAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sLn_E9LAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sLn_E9EPnnn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_s oxa_vml_kernel_sLn_ttab[3]; /* LA, HA, EP */
+extern const float oxa_vml_kernel_sLn_ctab[3];
+void _vmlsLn(int64_t n, const float* a, float* r); /* HA */
+void _vmlsLn_HA(int64_t n, const float* a, float* r);
+void _vmlsLn_21(int64_t n, const float* a, float* r); /* LA */
+void _vmlsLn_11(int64_t n, const float* a, float* r); /* EP */
+void oxa_vml_kernel_dPowx_E9HAynn(int64_t n, const double* a, double b, double* r);
+void oxa_vml_kernel_dPowx_E9LAynn(int64_t n, const double* a, double b, double* r);
+void oxa_vml_kernel_dPowx_E9EPnnn(int64_t n, const double* a, double b, double* r);
+extern const OxaVmlKernelPowx_d oxa_vml_kernel_dPowx_ttab[3]; /* LA, HA, EP */
+extern const float oxa_vml_kernel_dPowx_ctab[3];
+void _vmldPowx(int64_t n, const double* a, double b, double* r); /* HA */
+void _vmldPowx_HA(int64_t n, const double* a, double b, double* r);
+void _vmldPowx_50(int64_t n, const double* a, double b, double* r); /* LA */
+void _vmldPowx_26(int64_t n, const double* a, double b, double* r); /* EP */
+void oxa_vml_kernel_sPowx_E9HAynn(int64_t n, const float* a, float b, float* r);
+void oxa_vml_kernel_sPowx_E9LAynn(int64_t n, const float* a, float b, float* r);
+void oxa_vml_kernel_sPowx_E9EPnnn(int64_t n, const float* a, float b, float* r);
+extern const OxaVmlKernelPowx_s oxa_vml_kernel_sPowx_ttab[3]; /* LA, HA, EP */
+extern const float oxa_vml_kernel_sPowx_ctab[3];
+void _vmlsPowx(int64_t n, const float* a, float b, float* r); /* HA */
+void _vmlsPowx_HA(int64_t n, const float* a, float b, float* r);
+void _vmlsPowx_21(int64_t n, const float* a, float b, float* r); /* LA */
+void _vmlsPowx_11(int64_t n, const float* a, float b, float* r); /* EP */
+
 OXA_EXTERN_C_END
 
 #endif /* OXA_VECTOR_MATH_H */

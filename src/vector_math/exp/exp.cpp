@@ -1,0 +1,110 @@
+// Exp: r = e^a.
+// Method: a = k ln2/128 + r, 2^(j/128) from a table (with its relative tail
+//   for HA), e^r - 1 a Taylor polynomial on |r| <= ln2/256 (exp_core.hpp).
+//   Single precision is evaluated in double and rounded once.
+// Accuracy: d HA 0.51 ulp, LA 0.52 ulp; s HA 0.50 ulp, LA 0.50 ulp, EP 2^-18
+//   rel (measured by tests/vector_math/exp_accuracy).
+// Special: +inf -> +inf; -inf -> +0; NaN -> NaN quietly; overflow (d a >
+//   709.78, s a > 88.72) -> +inf, status 3; result below the smallest normal
+//   (subnormal or 0) -> that result, status 4. The fast path takes |a| < 704
+//   (d) or |a| < 87 (s); the rest goes to the scalar routine.
+// Tables: exp_table.inc, made by tools/fit/exp.py.
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+#include "vector_math/exp/exp_core.hpp"
+#include "vector_math/frame/kernel_frame.hpp"
+
+namespace oxa::vml {
+
+namespace fam {
+struct Exp;
+}  // namespace fam
+
+namespace {
+
+// Degree of e^r - 1 and use of the table tail per type and level.
+template <class T, Acc A>
+using ExpCoreOf = std::conditional_t<
+    std::is_same_v<T, double>, expc::Exp<5, A == Acc::HA, false>,
+    std::conditional_t<A == Acc::HA, expc::Exp<3, false, false>,
+                       std::conditional_t<A == Acc::LA, expc::Exp<2, false, false>, expc::Exp<1, false, false>>>>;
+
+}  // namespace
+
+// One element outside the fast range. Writes e^x, returns the status.
+template <class T, Acc A>
+int32_t exp_cout_rare(const T* a, T* r) {
+  const T x = *a;
+  if (std::isnan(x)) {
+    *r = x + x;
+    return VML_ERR_NONE;
+  }
+  if (std::isinf(x)) {
+    *r = x > 0 ? x : T(0);
+    return VML_ERR_NONE;
+  }
+  int32_t status;
+  const double y = expc::exp_wide<ExpCoreOf<T, A>>(static_cast<double>(x), 0.0, &status);
+  if constexpr (std::is_same_v<T, double>) {
+    *r = y;
+    return status;
+  } else {
+    const float f = static_cast<float>(y);
+    *r = f;
+    if (std::isinf(f)) return VML_ERR_OVERFLOW;
+    if (f < std::numeric_limits<float>::min()) return VML_ERR_UNDERFLOW;
+    return VML_ERR_NONE;
+  }
+}
+
+template <Acc A>
+int32_t vdexp_cout_rare(const double* a, double* r) { return exp_cout_rare<double, A>(a, r); }
+template <Acc A>
+int32_t vsexp_cout_rare(const float* a, float* r) { return exp_cout_rare<float, A>(a, r); }
+
+template <class T, Acc A>
+struct Policy<fam::Exp, T, A> {
+  static constexpr bool kDouble = std::is_same_v<T, double>;
+  static constexpr const char* kName = kDouble ? "vdExp" : "vsExp";
+  static constexpr bool kSetsControlWord = true;
+  static constexpr T kSafeInput = T(1);
+  using Core = ExpCoreOf<T, A>;
+
+  // Fast when |a| < 704 (d, high word below 0x40860000) or |a| < 87 (s).
+  static simd::Vec<T> special(simd::Vec<T> x) {
+    if constexpr (kDouble) {
+      const __m128i abs_hi = _mm_and_si128(simd::high_words(x), _mm_set1_epi32(0x7FFFFFFF));
+      return simd::widen_mask(_mm_cmpgt_epi32(abs_hi, _mm_set1_epi32(0x4085FFFF)));
+    } else {
+      const __m256i abs_bits = _mm256_and_si256(simd::bits(x), _mm256_set1_epi32(0x7FFFFFFF));
+      return simd::from_bits_f(_mm256_cmpgt_epi32(abs_bits, _mm256_set1_epi32(0x42ADFFFF)));
+    }
+  }
+
+  [[gnu::always_inline]] static simd::Vec<T> vector(simd::Vec<T> x) {
+    const simd::Vec<double> zero = simd::broadcast(0.0);
+    if constexpr (kDouble) {
+      return Core::eval(x, zero);
+    } else {
+      return simd::narrow(Core::eval(simd::widen_low(x), zero), Core::eval(simd::widen_high(x), zero));
+    }
+  }
+
+  static int32_t scalar(const T* x, T* r) {
+    if constexpr (kDouble)
+      return vdexp_cout_rare<A>(x, r);
+    else
+      return vsexp_cout_rare<A>(x, r);
+  }
+};
+
+template void kernel_in1_out1<fam::Exp, double, Acc::HA>(int64_t, const double*, double*);
+template void kernel_in1_out1<fam::Exp, double, Acc::LA>(int64_t, const double*, double*);
+template void kernel_in1_out1<fam::Exp, float, Acc::HA>(int64_t, const float*, float*);
+template void kernel_in1_out1<fam::Exp, float, Acc::LA>(int64_t, const float*, float*);
+template void kernel_in1_out1<fam::Exp, float, Acc::EP>(int64_t, const float*, float*);
+
+}  // namespace oxa::vml

@@ -1,0 +1,105 @@
+// The vector core of e^x shared by the Exp and Powx kernels, and its scalar
+// wide-range wrapper used by their special-case routines.
+//
+// e^x = 2^(k/N) * e^r, k = round(x N / ln2), N = 128, |r| <= ln2/256; the
+// table gives 2^(j/N) = hi_j (1 + tail_j) (j = k mod N) and k div N goes
+// straight into the exponent bits of hi_j. e^r - 1 is its Taylor polynomial
+// of degree Deg: the truncation error r^(Deg+1)/(Deg+1)! is 2^-60.7 for
+// Deg = 5, 2^-38.7 for 3, 2^-28.2 for 2, 2^-18 for 1 (relative).
+#pragma once
+
+#include <immintrin.h>
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+#include "oxa/vector_math.h"
+#include "vector_math/frame/simd.hpp"
+
+namespace oxa::vml::expc {
+
+#include "vector_math/exp/exp_table.inc"
+
+using VD = simd::Vec<double>;
+
+// Taylor coefficients 1/n! of e^r - r - 1, from n = 2.
+inline constexpr double kInvFact[] = {0x1p-1, 0x1.5555555555555p-3, 0x1.5555555555555p-5,
+                                      0x1.1111111111111p-7, 0x1.6c16c16c16c17p-10};
+
+// e^r - 1 = r + r^2 (1/2 + r/6 + ...), Deg >= 1.
+template <int Deg>
+[[gnu::always_inline]] inline VD expm1_small(VD r) {
+  if constexpr (Deg == 1) {
+    return r;
+  } else {
+    VD q = simd::broadcast(kInvFact[Deg - 2]);
+#pragma GCC unroll 8
+    for (int j = Deg - 3; j >= 0; --j) q = simd::fma(q, r, simd::broadcast(kInvFact[j]));
+    return simd::fma(r * r, q, r);
+  }
+}
+
+// Options: the polynomial degree; whether the table's tail is added (0.5 ulp
+// better); whether the argument carries a low part x_lo (|x_lo| << ulp(x)).
+template <int Deg, bool kTail, bool kHasLo>
+struct Exp {
+  // e^(x + x_lo) * 2^adjust for |x| <= 746, provided the result's exponent
+  // stays inside the normal range (|x| < 704 for adjust = 0). Rounded once at
+  // the end: 0.5 ulp + about 0.01 ulp with the tail and Deg = 5.
+  [[gnu::always_inline]] static VD eval(VD x, VD x_lo, int64_t adjust = 0) {
+    const VD shift = simd::broadcast(0x1.8p52);
+    const VD kd_shifted = simd::fma(x, simd::broadcast(kInvLn2N), shift);
+    const __m256i ki = simd::bits(kd_shifted);
+    const VD kd = kd_shifted - shift;
+    // r = x - kd ln2/N: kd * head is exact and cancels exactly against x.
+    VD r = simd::fnma(kd, simd::broadcast(kLn2NHead), x);
+    r = simd::fnma(kd, simd::broadcast(kLn2NTail), r);
+    if constexpr (kHasLo) r = r + x_lo;
+
+    const __m256i j = _mm256_and_si256(ki, _mm256_set1_epi64x(kN - 1));
+    // (k div N) into the exponent field, wrapping modulo 2^64 like the bits.
+    const __m256i top = _mm256_add_epi64(_mm256_slli_epi64(_mm256_andnot_si256(_mm256_set1_epi64x(kN - 1), ki), 45),
+                                         _mm256_set1_epi64x(adjust << 52));
+    const VD hi{_mm256_i64gather_pd(kExp2Hi, j, 8)};
+    const VD scale = simd::from_bits_d(_mm256_add_epi64(simd::bits(hi), top));
+    VD p = expm1_small<Deg>(r);
+    if constexpr (kTail) p = p + VD{_mm256_i64gather_pd(kExp2Tail, j, 8)};
+    return simd::fma(scale, p, scale);
+  }
+  static constexpr int kN = 128;
+};
+
+// Values the optimiser must not fold, so that overflow and underflow happen
+// at run time and raise the processor's flags.
+inline double opaque(double v) {
+  asm("" : "+x"(v));
+  return v;
+}
+
+// e^(x + x_lo) for any finite x, one lane at a time, with its status:
+// VML_ERR_OVERFLOW when the result is +inf, VML_ERR_UNDERFLOW when it is
+// below the smallest normal double (subnormal or zero).
+template <class E>
+double exp_wide(double x, double x_lo, int32_t* status) {
+  *status = VML_ERR_NONE;
+  double y;
+  if (x > 710.0) {
+    y = opaque(0x1p1023) * opaque(0x1p1023);
+  } else if (x < -746.0) {
+    y = opaque(0x1p-1022) * opaque(0x1p-1022);
+  } else if (x > 0) {  // scale by 2^-1 inside, 2 outside: the last step alone may overflow
+    double lanes[4];
+    simd::store(lanes, E::eval(simd::broadcast(x), simd::broadcast(x_lo), -1));
+    y = lanes[0] * 2.0;
+  } else {  // scale by 2^64 inside; the last step rounds once into the subnormals
+    double lanes[4];
+    simd::store(lanes, E::eval(simd::broadcast(x), simd::broadcast(x_lo), 64));
+    y = lanes[0] * 0x1p-64;
+  }
+  if (std::isinf(y)) *status = VML_ERR_OVERFLOW;
+  else if (y < 0x1p-1022) *status = VML_ERR_UNDERFLOW;
+  return y;
+}
+
+}  // namespace oxa::vml::expc

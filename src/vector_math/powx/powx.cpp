@@ -1,0 +1,227 @@
+// Powx: r = a^b for a vector a and one scalar b.
+// Method: |a|^b = e^(b ln|a|). d HA and LA: ln|a| in double-double
+//   (ln_core.hpp, about 2^-66 relative), b ln|a| as a double-double, e^(hi +
+//   lo) (exp_core.hpp; HA adds the table tail). d EP, and all single levels
+//   (evaluated in double): ln|a| rounded to double, then e^x. A negative a with an
+//   integer b takes the sign of a when b is odd.
+// Accuracy: d HA 0.52 ulp, LA 1.5 ulp (grows to about 2 ulp as |b ln a| nears
+//   709), EP 2^-33 rel; s HA 0.50 ulp, LA 0.51 ulp, EP 2^-16 rel (measured by
+//   tests/vector_math/powx_accuracy).
+// Special: the C99 pow cases: b = +-0 or a = 1 -> 1 (even for NaN); NaN
+//   otherwise -> NaN quietly; a = +-0 with b < 0 -> +-inf (the sign of a only
+//   for odd integer b), status 2; a = +-0 with b > 0 -> +-0; infinite a or b
+//   -> 0, 1 or inf as C99 says, no status; a < 0 with finite non-integer b ->
+//   NaN, status 1; overflow -> +-inf, status 3; a result below the smallest
+//   normal -> that result, status 4 (also when it is exact, e.g. 2^-1074).
+//   The fast path takes normal a (negative only for integer b) with
+//   |b| (|exponent of a| + 1) < 1015 (s: < 125), so its result is normal;
+//   everything else goes to the scalar routine.
+// Tables: those of Exp and Ln.
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+#include "vector_math/exp/exp_core.hpp"
+#include "vector_math/frame/kernel_frame.hpp"
+#include "vector_math/frame/lanes.hpp"
+#include "vector_math/ln/ln_core.hpp"
+
+namespace oxa::vml {
+
+namespace fam {
+struct Powx;
+}  // namespace fam
+
+namespace {
+
+using VD = simd::Vec<double>;
+
+// |a|^b for positive normal doubles a (after any scaling, k_adjust added to
+// the exponent of a), with |b ln a| <= 746; returns the argument of e^ too.
+template <class T, Acc A>
+struct PowCore {
+  static constexpr bool kDouble = std::is_same_v<T, double>;
+  static constexpr bool kDD = kDouble && A != Acc::EP;  // |b ln a| up to 709 needs ln a beyond double
+  // ln's relative truncation error is multiplied by |b ln a| <= 709 (float:
+  // 104) in the argument of e^: 2^-70 for degree 9, 2^-54.5 for 8, 2^-38.5
+  // for 5 (double); 2^-41 for 5, 2^-26 for 4, 2^-18 for 3 (float).
+  static constexpr int kLnDeg = kDouble ? (A == Acc::HA ? 9 : A == Acc::LA ? 8 : 5)
+                                        : (A == Acc::HA ? 5 : A == Acc::LA ? 4 : 3);
+  static constexpr int kExpDeg = kDouble ? (A == Acc::EP ? 3 : 5) : (A == Acc::EP ? 2 : 3);
+  using E = expc::Exp<kExpDeg, kDouble && A != Acc::EP, kDD>;
+
+  // The argument x + x_lo of e^.
+  [[gnu::always_inline]] static dd::DD<VD> argument(VD a, VD b, VD k_adjust) {
+    if constexpr (kDD) {
+      const dd::DD<VD> l = lnc::ln_dd<kLnDeg>(a, k_adjust);
+      const VD hi = b * l.hi;
+      return {hi, simd::fma(b, l.lo, simd::fms(b, l.hi, hi))};
+    } else {
+      return {b * lnc::ln_plain<kLnDeg>(a, k_adjust), simd::broadcast(0.0)};
+    }
+  }
+
+  [[gnu::always_inline]] static VD eval(VD a, VD b) {
+    const dd::DD<VD> x = argument(a, b, simd::broadcast(0.0));
+    return E::eval(x.hi, x.lo);
+  }
+};
+
+inline double opaque(double v) {
+  asm("" : "+x"(v));
+  return v;
+}
+
+struct ExponentKind {
+  bool integer;  // finite and whole, or infinite (even)
+  bool odd;      // an odd integer
+};
+
+inline ExponentKind classify(double y) {
+  if (!std::isfinite(y)) return {true, false};
+  const bool integer = std::trunc(y) == y;
+  return {integer, integer && std::fabs(y) < 0x1p53 && std::fmod(y, 2.0) != 0.0};
+}
+
+// a^b in double for one element of any kind; *status as C99 pow reports it.
+template <class T, Acc A>
+double pow_scalar(double x, double y, int32_t* status) {
+  *status = VML_ERR_NONE;
+  if (y == 0 || x == 1) return 1.0;
+  if (std::isnan(x) || std::isnan(y)) return x + y;
+  const ExponentKind kind = classify(y);
+  if (x == 0) {  // also a subnormal when denormals are taken as zero
+    const double zero = kind.odd ? std::copysign(0.0, x) : 0.0;
+    if (y > 0) return zero;
+    *status = VML_ERR_SINGULARITY;
+    return opaque(1.0) / opaque(zero);
+  }
+  if (std::isinf(y)) {
+    const double ax = std::fabs(x);
+    if (ax == 1) return 1.0;
+    return (ax < 1) == (y < 0) ? HUGE_VAL : 0.0;
+  }
+  if (std::isinf(x)) {
+    const double mag = y < 0 ? 0.0 : HUGE_VAL;
+    return x < 0 && kind.odd ? -mag : mag;
+  }
+  if (x < 0 && !kind.integer) {
+    *status = VML_ERR_DOMAIN;
+    return opaque(HUGE_VAL) * opaque(0.0);
+  }
+  // Finite nonzero x, finite nonzero y: e^(y ln|x|) over the whole range.
+  double ax = std::fabs(x);
+  double k_adjust = 0.0;
+  if (ax < 0x1p-1022) {
+    ax *= 0x1p64;
+    k_adjust = -64.0;
+  }
+  using C = PowCore<T, A>;
+  double hi[4], lo[4];
+  const dd::DD<VD> arg = C::argument(simd::broadcast(ax), simd::broadcast(y), simd::broadcast(k_adjust));
+  simd::store(hi, arg.hi);
+  simd::store(lo, arg.lo);
+  const double mag = expc::exp_wide<typename C::E>(hi[0], lo[0], status);
+  return x < 0 && kind.odd ? -mag : mag;
+}
+
+}  // namespace
+
+// One element outside the fast range. Writes a^b, returns the status.
+template <class T, Acc A>
+int32_t powx_cout_rare(const T* a, const T* b, T* r) {
+  int32_t status;
+  const double v = pow_scalar<T, A>(static_cast<double>(*a), static_cast<double>(*b), &status);
+  if constexpr (std::is_same_v<T, double>) {
+    *r = v;
+    return status;
+  } else {
+    const float f = static_cast<float>(v);
+    *r = f;
+    if (status != VML_ERR_NONE) return status;  // the double already over- or underflowed
+    if (std::isinf(f) && std::isfinite(v)) return VML_ERR_OVERFLOW;
+    if (std::isfinite(v) && v != 0 && std::fabs(f) < std::numeric_limits<float>::min()) return VML_ERR_UNDERFLOW;
+    return VML_ERR_NONE;
+  }
+}
+
+template <Acc A>
+int32_t vdpowx_cout_rare(const double* a, const double* b, double* r) { return powx_cout_rare<double, A>(a, b, r); }
+template <Acc A>
+int32_t vspowx_cout_rare(const float* a, const float* b, float* r) { return powx_cout_rare<float, A>(a, b, r); }
+
+template <class T, Acc A>
+struct Policy<fam::Powx, T, A> {
+  static constexpr bool kDouble = std::is_same_v<T, double>;
+  static constexpr const char* kName = kDouble ? "vdPowx" : "vsPowx";
+  static constexpr bool kSetsControlWord = true;
+  static constexpr T kSafeInput = T(1);
+  using Core = PowCore<T, A>;
+
+  // Lanes for the scalar routine: a zero, subnormal, infinite or NaN; a
+  // negative with b not an integer; b infinite or NaN; or a result that may
+  // leave the normal range, judged by |b| (|e| + 1) against the limit, where
+  // 2^e <= |a| < 2^(e+1).
+  static simd::Vec<T> special(simd::Vec<T> a, simd::Vec<T> b) {
+    if constexpr (kDouble) {
+      const __m128i hi = simd::high_words(a);
+      const __m128i abs_hi = _mm_and_si128(hi, _mm_set1_epi32(0x7FFFFFFF));
+      const __m128i bad_a = _mm_or_si128(_mm_cmpgt_epi32(_mm_set1_epi32(0x00100000), abs_hi),
+                                         _mm_cmpgt_epi32(abs_hi, _mm_set1_epi32(0x7FEFFFFF)));
+      const VD e{_mm256_cvtepi32_pd(_mm_sub_epi32(_mm_srli_epi32(abs_hi, 20), _mm_set1_epi32(1023)))};
+      return lanes::bit_or(simd::widen_mask(bad_a), common(a, b, e, 1015.0));
+    } else {
+      const __m256i abs_bits = _mm256_and_si256(simd::bits(a), _mm256_set1_epi32(0x7FFFFFFF));
+      const __m256i bad_a = _mm256_or_si256(_mm256_cmpgt_epi32(_mm256_set1_epi32(0x00800000), abs_bits),
+                                            _mm256_cmpgt_epi32(abs_bits, _mm256_set1_epi32(0x7F7FFFFF)));
+      const __m256 e = _mm256_cvtepi32_ps(_mm256_sub_epi32(_mm256_srli_epi32(abs_bits, 23), _mm256_set1_epi32(127)));
+      return lanes::bit_or(simd::from_bits_f(bad_a), common(a, b, simd::Vec<float>{e}, 125.0f));
+    }
+  }
+
+  [[gnu::always_inline]] static simd::Vec<T> vector(simd::Vec<T> a, simd::Vec<T> b) {
+    if constexpr (kDouble) {
+      return with_sign(a, b, Core::eval(abs(a), b));
+    } else {
+      const simd::Vec<T> m = abs(a);
+      const simd::Vec<T> r = simd::narrow(Core::eval(simd::widen_low(m), simd::widen_low(b)),
+                                          Core::eval(simd::widen_high(m), simd::widen_high(b)));
+      return with_sign(a, b, r);
+    }
+  }
+
+  static int32_t scalar(const T* a, const T* b, T* r) {
+    if constexpr (kDouble)
+      return vdpowx_cout_rare<A>(a, b, r);
+    else
+      return vspowx_cout_rare<A>(a, b, r);
+  }
+
+ private:
+  static simd::Vec<T> abs(simd::Vec<T> x) { return lanes::abs(x); }
+
+  // Lanes of a negative a with b not an integer, b not finite, or
+  // |b| (|e| + 1) >= limit (also when b is NaN: the compare is unordered).
+  static simd::Vec<T> common(simd::Vec<T> a, simd::Vec<T> b, simd::Vec<T> e, T limit) {
+    const simd::Vec<T> whole = lanes::eq(lanes::round_even(b), b);  // +-inf counts as whole
+    const simd::Vec<T> negative = lanes::lt(a, simd::broadcast(T(0)));
+    const simd::Vec<T> big = lanes::nlt(abs(b) * (abs(e) + simd::broadcast(T(1))), simd::broadcast(limit));
+    return lanes::bit_or(lanes::and_not(negative, whole), big);
+  }
+
+  // Odd integer b: the result takes the sign of a.
+  static simd::Vec<T> with_sign(simd::Vec<T> a, simd::Vec<T> b, simd::Vec<T> r) {
+    const simd::Vec<T> half = b * simd::broadcast(T(0.5));
+    const simd::Vec<T> odd = lanes::and_not(lanes::eq(lanes::round_even(b), b), lanes::eq(lanes::round_even(half), half));
+    return lanes::bit_or(r, lanes::bit_and(odd, lanes::sign_bit(a)));
+  }
+};
+
+template void kernel_in1_scalar_out1<fam::Powx, double, Acc::HA>(int64_t, const double*, double, double*);
+template void kernel_in1_scalar_out1<fam::Powx, double, Acc::LA>(int64_t, const double*, double, double*);
+template void kernel_in1_scalar_out1<fam::Powx, double, Acc::EP>(int64_t, const double*, double, double*);
+template void kernel_in1_scalar_out1<fam::Powx, float, Acc::HA>(int64_t, const float*, float, float*);
+template void kernel_in1_scalar_out1<fam::Powx, float, Acc::LA>(int64_t, const float*, float, float*);
+template void kernel_in1_scalar_out1<fam::Powx, float, Acc::EP>(int64_t, const float*, float, float*);
+
+}  // namespace oxa::vml
