@@ -1,7 +1,7 @@
 // The common evaluation of the Sin, Cos, SinCos and Tan kernels, and the
 // kernel policy the four families share.
 //
-// Vector formula, for |x| < 2^30 (x != 0, high word of x nonzero):
+// Vector formula, for 2^-27 <= |x| < 2^30 (single: 2^-12 <= |x| < 2^30):
 //   k = nearest integer to x * 2/pi, r = x - k pi/2 with pi/2 = P1 + P2 + P3;
 //   x - k P1 is exact (fma), so r keeps full relative precision even where x
 //   is close to a multiple of pi/2 (|r| >= 2^-61 for every double).
@@ -163,22 +163,24 @@ struct TrigPolicy {
   static constexpr bool kSetsControlWord = true;
   static constexpr T kSafeInput = T(0.5);
 
-  // Special: |x| >= 2^30, infinities, NaN, and inputs whose high word (float:
-  // whole word) after the sign is zero, which includes +-0. One unsigned
-  // compare on (|high word| - 1), done as a signed compare with the sign bit
-  // flipped.
+  // Special: |x| >= 2^30, infinities, NaN, and |x| below 2^-27 (single:
+  // 2^-12), where sin x = tan x = x and cos x = 1 after rounding and the
+  // sign of a zero (also a flushed denormal) must be kept. One unsigned
+  // compare on |high word| - low bound, done as a signed compare with the
+  // sign bit flipped.
   static simd::Vec<T> special(simd::Vec<T> x) {
+    constexpr int32_t kFlip = static_cast<int32_t>(0x80000000u);
     if constexpr (std::is_same_v<T, double>) {
       const __m128i a = _mm_sub_epi32(_mm_and_si128(simd::high_words(x), _mm_set1_epi32(0x7FFFFFFF)),
-                                      _mm_set1_epi32(1));
-      const __m128i biased = _mm_xor_si128(a, _mm_set1_epi32(static_cast<int32_t>(0x80000000u)));
-      return simd::widen_mask(_mm_cmpgt_epi32(biased, _mm_set1_epi32(static_cast<int32_t>(0x41CFFFFEu ^ 0x80000000u))));
+                                      _mm_set1_epi32(0x3E400000));
+      const __m128i biased = _mm_xor_si128(a, _mm_set1_epi32(kFlip));
+      return simd::widen_mask(_mm_cmpgt_epi32(biased, _mm_set1_epi32((0x41D00000 - 0x3E400000 - 1) ^ kFlip)));
     } else {
       const __m256i a = _mm256_sub_epi32(_mm256_and_si256(simd::bits(x), _mm256_set1_epi32(0x7FFFFFFF)),
-                                         _mm256_set1_epi32(1));
-      const __m256i biased = _mm256_xor_si256(a, _mm256_set1_epi32(static_cast<int32_t>(0x80000000u)));
+                                         _mm256_set1_epi32(0x39800000));
+      const __m256i biased = _mm256_xor_si256(a, _mm256_set1_epi32(kFlip));
       return simd::from_bits_f(
-          _mm256_cmpgt_epi32(biased, _mm256_set1_epi32(static_cast<int32_t>(0x4E7FFFFEu ^ 0x80000000u))));
+          _mm256_cmpgt_epi32(biased, _mm256_set1_epi32((0x4E800000 - 0x39800000 - 1) ^ kFlip)));
     }
   }
 

@@ -1,11 +1,10 @@
 // The lanes the trigonometric vector formula leaves out, one at a time:
 //   NaN -> NaN quietly; +-inf -> NaN (inf - inf, raising invalid), status 1;
-//   |x| < 2^-27 (the kernels send +-0 and inputs whose high word is zero)
-//   -> sin, tan x * 1 (so the sign of zero stays and a flushed denormal gives
-//   +-0), cos 1; these are the correctly rounded values;
-//   other finite x (the kernels send |x| >= 2^30) -> exact reduction, then
-//   the double-double evaluation of the HA kernels, so every level is within
-//   0.52 ulp there.
+//   |x| < 2^-27 -> sin, tan x * 1 (so the sign of zero stays and a flushed
+//   denormal gives +-0), cos 1; these are the correctly rounded values;
+//   other finite x (the kernels send |x| >= 2^30, and single precision
+//   2^-27 <= |x| < 2^-12) -> exact reduction, then the double-double
+//   evaluation of the HA kernels, so every level is within 0.52 ulp there.
 // Single precision goes through the same double routine and rounds once more.
 #include <bit>
 #include <cstdint>
