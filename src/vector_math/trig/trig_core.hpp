@@ -1,0 +1,209 @@
+// The common evaluation of the Sin, Cos, SinCos and Tan kernels, and the
+// kernel policy the four families share.
+//
+// Vector formula, for 2^-27 <= |x| < 2^30 (single: 2^-12 <= |x| < 2^30):
+//   k = nearest integer to x * 2/pi, r = x - k pi/2 with pi/2 = P1 + P2 + P3;
+//   x - k P1 is exact (fma), so r keeps full relative precision even where x
+//   is close to a multiple of pi/2 (|r| >= 2^-61 for every double).
+//   HA carries r, sin r and cos r as double-doubles; LA and EP carry doubles.
+//   Quadrant k mod 4 picks +-sin r or +-cos r; tan is sin/cos or -cos/sin.
+//   Single precision runs the double formula on each half of the vector.
+// Everything else goes to trig_rare (trig_rare.cpp), which reduces huge
+// arguments exactly (reduce_pio2d.cpp).
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstdint>
+#include <type_traits>
+
+#include "vector_math/frame/dd.hpp"
+#include "vector_math/frame/kernel.hpp"
+#include "vector_math/frame/poly.hpp"
+#include "vector_math/frame/simd.hpp"
+#include "vector_math/trig/trig.hpp"
+
+namespace oxa::vml::trig {
+
+#include "vector_math/trig/trig_tables.inc"
+
+using VD = simd::Vec<double>;
+
+template <class V>
+[[gnu::always_inline]] inline V splat(double c) {
+  if constexpr (std::is_same_v<V, double>)
+    return c;
+  else
+    return simd::broadcast(c);
+}
+
+template <int N, class V>
+[[gnu::always_inline]] inline V poly_at(const double* c, V z) {
+  V k[N];
+#pragma GCC unroll 8
+  for (int j = 0; j < N; ++j) k[j] = splat<V>(c[j]);
+  return poly::horner<N>(k, z);
+}
+
+template <class V>
+struct SinCosDD {
+  dd::DD<V> s, c;
+};
+
+// sin and cos of r = rh + rl (|rl| <= ulp(rh)/2) as double-doubles; relative
+// error about 2^-60, so that the rounded heads are within 0.52 ulp.
+template <const TrigPoly& P, class V>
+[[gnu::always_inline]] inline SinCosDD<V> sincos_dd(V rh, V rl) {
+  const dd::DD<V> z = dd::two_prod(rh, rh);
+  // sin: rh + rh z S(z) + rl cos rh, with rh z and S(0) kept in two parts.
+  const dd::DD<V> p = dd::two_prod(rh, z.hi);
+  const V s_rest = poly_at<P.n_sin - 1>(P.s + 1, z.hi);
+  const V s0 = splat<V>(P.s[0]);
+  V small = p.hi * z.hi * s_rest;
+  small = simd::fma(rl, simd::fnma(splat<V>(0.5), z.hi, splat<V>(1.0)), small);
+  small = simd::fma(simd::fma(rh, z.lo, p.lo), s0, small);
+  small = simd::fma(p.hi, splat<V>(P.s0_lo), small);
+  const dd::DD<V> s = dd::fast_two_sum(rh, simd::fma(p.hi, s0, small));
+  // cos: 1 - z/2 (head exact as w + corr) + z^2 C(z) - z.lo/2 - rh rl.
+  const V hz = splat<V>(0.5) * z.hi;
+  const V w = splat<V>(1.0) - hz;
+  const V corr = (splat<V>(1.0) - w) - hz;
+  const V c_tail = simd::fms(z.hi * z.hi, poly_at<P.n_cos>(P.c, z.hi),
+                             simd::fma(splat<V>(0.5), z.lo, rh * rl));
+  const dd::DD<V> c = dd::fast_two_sum(w, corr + c_tail);
+  return {s, c};
+}
+
+template <class V>
+struct SinCos1 {
+  V s, c;
+};
+
+// sin and cos of a double r, within about 1 ulp each.
+template <const TrigPoly& P, class V>
+[[gnu::always_inline]] inline SinCos1<V> sincos_1(V r) {
+  const V z = r * r;
+  const V s = simd::fma(r * z, poly_at<P.n_sin>(P.s, z), r);
+  const V hz = splat<V>(0.5) * z;
+  const V w = splat<V>(1.0) - hz;
+  const V c = w + (((splat<V>(1.0) - w) - hz) + z * z * poly_at<P.n_cos>(P.c, z));
+  return {s, c};
+}
+
+template <class T, Acc A>
+constexpr const TrigPoly& poly_of() {
+  if constexpr (std::is_same_v<T, double>)
+    return A == Acc::HA ? kPolyDoubleHA : A == Acc::LA ? kPolyDoubleLA : kPolyDoubleEP;
+  else
+    return A == Acc::EP ? kPolySingleEP : kPolySingleHA;
+}
+
+inline VD flip(VD x, __m256i sign) { return simd::from_bits_d(_mm256_xor_si256(simd::bits(x), sign)); }
+inline __m256i odd_mask(__m256i q) { return _mm256_slli_epi64(q, 63); }      // sign bit = k odd
+inline __m256i sign_of(__m256i q) { return _mm256_slli_epi64(_mm256_srli_epi64(q, 1), 63); }  // k & 2
+
+// The outputs of four doubles (o2 only for SinCos). HA is the only level
+// that carries the remainder and the results in two parts.
+template <TrigOut Out, class T, Acc A>
+[[gnu::always_inline]] inline void evaluate(VD x, VD& o1, VD& o2) {
+  constexpr const TrigPoly& P = poly_of<T, A>();
+  constexpr bool kTwoPart = std::is_same_v<T, double> && A == Acc::HA;
+  const VD magic = simd::broadcast(0x1.8p52);
+  const VD t = simd::fma(x, simd::broadcast(kTwoOverPi), magic);
+  const VD k = t - magic;
+  const __m256i q = simd::bits(t);  // low bits: k mod 2^51, two's complement
+  const __m256i q1 = _mm256_add_epi64(q, _mm256_set1_epi64x(1));  // cos x = sin(x + pi/2)
+
+  VD s, c, sl, cl;
+  if constexpr (kTwoPart) {
+    const VD r1 = simd::fnma(k, simd::broadcast(kPio2_1), x);  // exact
+    const dd::DD<VD> kp2 = dd::two_prod(k, simd::broadcast(kPio2_2));
+    const dd::DD<VD> d = dd::two_sum(r1, simd::broadcast(0.0) - kp2.hi);
+    const VD rest = simd::fnma(k, simd::broadcast(kPio2_3), d.lo - kp2.lo);
+    const dd::DD<VD> r = dd::fast_two_sum(d.hi, rest);
+    const SinCosDD<VD> sc = sincos_dd<P>(r.hi, r.lo);
+    s = sc.s.hi, sl = sc.s.lo, c = sc.c.hi, cl = sc.c.lo;
+  } else {
+    const VD r = simd::fnma(k, simd::broadcast(kPio2_3),
+                            simd::fnma(k, simd::broadcast(kPio2_2), simd::fnma(k, simd::broadcast(kPio2_1), x)));
+    const SinCos1<VD> sc = sincos_1<P>(r);
+    s = sc.s, c = sc.c;
+  }
+
+  if constexpr (Out == TrigOut::Sin || Out == TrigOut::SinCos) {
+    const VD odd = simd::from_bits_d(odd_mask(q));
+    o1 = flip(simd::select(odd, s, c), sign_of(q));
+  }
+  if constexpr (Out == TrigOut::Cos) {
+    const VD odd = simd::from_bits_d(odd_mask(q1));
+    o1 = flip(simd::select(odd, s, c), sign_of(q1));
+  }
+  if constexpr (Out == TrigOut::SinCos) {
+    const VD odd = simd::from_bits_d(odd_mask(q1));
+    o2 = flip(simd::select(odd, s, c), sign_of(q1));
+  }
+  if constexpr (Out == TrigOut::Tan) {
+    // Even k: sin r / cos r; odd k: -cos r / sin r.
+    const VD odd = simd::from_bits_d(odd_mask(q));
+    const VD num = simd::select(odd, s, c), den = simd::select(odd, c, s);
+    VD quot = num / den;
+    if constexpr (kTwoPart) {
+      // One correction step with the low parts: error about 0.5 ulp + 2^-55 rel.
+      const VD num_lo = simd::select(odd, sl, cl), den_lo = simd::select(odd, cl, sl);
+      const VD e = simd::fnma(quot, den, num) + simd::fnma(quot, den_lo, num_lo);
+      quot = quot + e / den;
+    }
+    o1 = flip(quot, _mm256_slli_epi64(q, 63));
+  }
+}
+
+// The policy of the four families; a family adds only its error name.
+template <TrigOut Out, class T, Acc A>
+struct TrigPolicy {
+  static constexpr bool kSetsControlWord = true;
+  static constexpr T kSafeInput = T(0.5);
+
+  // Special: |x| >= 2^30, infinities, NaN, and |x| below 2^-27 (single:
+  // 2^-12), where sin x = tan x = x and cos x = 1 after rounding and the
+  // sign of a zero (also a flushed denormal) must be kept. One unsigned
+  // compare on |high word| - low bound, done as a signed compare with the
+  // sign bit flipped.
+  static simd::Vec<T> special(simd::Vec<T> x) {
+    constexpr int32_t kFlip = static_cast<int32_t>(0x80000000u);
+    if constexpr (std::is_same_v<T, double>) {
+      const __m128i a = _mm_sub_epi32(_mm_and_si128(simd::high_words(x), _mm_set1_epi32(0x7FFFFFFF)),
+                                      _mm_set1_epi32(0x3E400000));
+      const __m128i biased = _mm_xor_si128(a, _mm_set1_epi32(kFlip));
+      return simd::widen_mask(_mm_cmpgt_epi32(biased, _mm_set1_epi32((0x41D00000 - 0x3E400000 - 1) ^ kFlip)));
+    } else {
+      const __m256i a = _mm256_sub_epi32(_mm256_and_si256(simd::bits(x), _mm256_set1_epi32(0x7FFFFFFF)),
+                                         _mm256_set1_epi32(0x39800000));
+      const __m256i biased = _mm256_xor_si256(a, _mm256_set1_epi32(kFlip));
+      return simd::from_bits_f(
+          _mm256_cmpgt_epi32(biased, _mm256_set1_epi32((0x4E800000 - 0x39800000 - 1) ^ kFlip)));
+    }
+  }
+
+  [[gnu::always_inline]] static void both(simd::Vec<T> x, simd::Vec<T>& r1, simd::Vec<T>& r2) {
+    if constexpr (std::is_same_v<T, double>) {
+      evaluate<Out, T, A>(x, r1, r2);
+    } else {
+      VD lo1, lo2, hi1, hi2;
+      evaluate<Out, T, A>(simd::widen_low(x), lo1, lo2);
+      evaluate<Out, T, A>(simd::widen_high(x), hi1, hi2);
+      r1 = simd::narrow(lo1, hi1);
+      if constexpr (Out == TrigOut::SinCos) r2 = simd::narrow(lo2, hi2);
+    }
+  }
+
+  [[gnu::always_inline]] static simd::Vec<T> vector(simd::Vec<T> x) {
+    simd::Vec<T> r1, r2;
+    both(x, r1, r2);
+    return r1;
+  }
+  [[gnu::always_inline]] static void vector(simd::Vec<T> x, simd::Vec<T>& r1, simd::Vec<T>& r2) {
+    both(x, r1, r2);
+  }
+};
+
+}  // namespace oxa::vml::trig
