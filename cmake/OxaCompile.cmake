@@ -16,10 +16,17 @@ function(oxa_kernel_options target)
     PRIVATE ${PROJECT_SOURCE_DIR}/src)
 endfunction()
 
-# An internal subsystem library: static, position independent, with the kernel
-# options, linked to the service layer.
+# An internal subsystem: its sources compile once into the object library
+# oxa_<name>_objects, which the kernel library takes whole; the static library
+# oxa_<name> packs the same objects for the tests.
+#   - another subsystem it calls: target_link_libraries(oxa_<name> PUBLIC oxa_<other>)
+#     (the kernel library holds every subsystem's objects anyway);
+#   - an external library it calls: target_link_libraries(oxa_<name>_objects PUBLIC <lib>)
+#     so that the kernel library links it too.
 function(oxa_add_subsystem name)
-  add_library(oxa_${name} STATIC ${ARGN})
-  oxa_kernel_options(oxa_${name})
-  target_link_libraries(oxa_${name} PUBLIC oxa_service)
+  add_library(oxa_${name}_objects OBJECT ${ARGN})
+  oxa_kernel_options(oxa_${name}_objects)
+  target_link_libraries(oxa_${name}_objects PUBLIC oxa_service)
+  add_library(oxa_${name} STATIC)
+  target_link_libraries(oxa_${name} PUBLIC oxa_${name}_objects)
 endfunction()

@@ -1,10 +1,190 @@
-/* oxa streams: public C interface. C11 and C++20. */
+/* oxa streams: random-number streams over a registry of basic generators.
+ * C11 and C++20.
+ *
+ * A stream is one heap block (aligned to 128 bytes) that starts with the
+ * header StreamState and continues with the generator's own state. Callers
+ * hold it through a handle (StreamState*), create it with _vslNewStreamEx and
+ * release it with _vslDeleteStream. Every operation returns a status:
+ * 0 on success, a negative code below on failure. */
 #ifndef OXA_STREAMS_H
 #define OXA_STREAMS_H
 
 #include "oxa/types.h"
 
 OXA_EXTERN_C_BEGIN
+
+/* Status codes of streams and generators. */
+enum {
+  VSL_STATUS_OK = 0,
+  VSL_ERROR_BAD_INIT_METHOD = -2,
+  VSL_ERROR_BAD_ARGUMENT = -3,
+  VSL_ERROR_NO_MEMORY = -4,
+  VSL_RNG_ERROR_NULL_ENTRY_POINT = -5,
+  VSL_RNG_ERROR_BAD_BRNG = -1000,
+  VSL_RNG_ERROR_NO_LEAPFROG = -1002,
+  VSL_RNG_ERROR_NO_SKIPAHEAD = -1003,
+  VSL_RNG_ERROR_BAD_STATE_BYTES = -1008,
+  VSL_RNG_ERROR_BAD_WORD_BYTES = -1009,
+  VSL_RNG_ERROR_BAD_SEED_COUNT = -1010,
+  VSL_RNG_ERROR_BAD_BIT_COUNT = -1011,
+  VSL_RNG_ERROR_BAD_NSTREAMS = -1013,
+  VSL_RNG_ERROR_NO_UNIFORMBITS = -1014,
+  VSL_RNG_ERROR_NO_AES = -1140,
+  VSL_RNG_ERROR_RO_ENTRY_NOT_FOUND = -3000,
+  VSL_RNG_ERROR_RO_TABLE_FULL = -3001
+};
+
+/* Basic generator ids (registry form). WH set s is OXA_BRNG_WH + s (s < 273),
+ * MT2203 set s is OXA_BRNG_MT2203 + s (s < 6024). Legacy ids 0..278 name the
+ * first rows directly (0 MCG31M1, 1 R250, 2 MRG32K3A, 3 MCG59, 4..276 WH sets
+ * 0..272, 277 SOBOL, 278 NIEDERR). */
+enum {
+  OXA_BRNG_MCG31M1 = 0x100000,
+  OXA_BRNG_R250 = 0x200000,
+  OXA_BRNG_MRG32K3A = 0x300000,
+  OXA_BRNG_MCG59 = 0x400000,
+  OXA_BRNG_WH = 0x500000,
+  OXA_BRNG_SOBOL = 0x600000,
+  OXA_BRNG_NIEDERR = 0x700000,
+  OXA_BRNG_MT19937 = 0x800000,
+  OXA_BRNG_MT2203 = 0x900000,
+  OXA_BRNG_IABSTRACT = 0xA00000,
+  OXA_BRNG_DABSTRACT = 0xB00000,
+  OXA_BRNG_SABSTRACT = 0xC00000,
+  OXA_BRNG_SFMT19937 = 0xD00000,
+  OXA_BRNG_NONDETERM = 0xE00000,
+  OXA_BRNG_ARS5 = 0xF00000,
+  OXA_BRNG_PHILOX4X32X10 = 0x1000000
+};
+
+/* Method codes of a generator's InitStream. */
+enum {
+  OXA_INIT_SEED = 0,      /* n seed words at params */
+  OXA_INIT_LEAPFROG = 1,  /* n = number of streams, params -> 32-bit index k */
+  OXA_INIT_SKIPAHEAD = 2  /* n = 2, params -> 64-bit unsigned skip count */
+};
+
+/* One node of a stream's chunk list: a side buffer hung on the stream. A key
+ * of two zero words means the data is private to the chunk; otherwise the
+ * data may belong to the shared read-only data table. */
+typedef struct StreamChunk {
+  uint32_t id;
+  uint32_t size;
+  void* data;
+  struct StreamChunk* next;
+  uint64_t key[2]; /* low, high */
+} StreamChunk;
+
+/* Header of every stream block; the generator's state follows it. */
+typedef struct StreamState {
+  int32_t brng;        /* generator id exactly as given at creation */
+  uint32_t flag;       /* 1 whenever a block is allocated */
+  StreamChunk* chunks; /* head of the chunk list, NULL when empty */
+} StreamState;
+
+/* One entry of the process-wide shared read-only data table. */
+typedef struct GlobRODataTableEntry {
+  uint64_t key[2];
+  uint32_t refs;
+  void* data;
+} GlobRODataTableEntry;
+
+/* The four entry points of a basic generator. */
+typedef int32_t (*oxa_brng_init_fn)(int32_t method, StreamState* stream, int32_t n,
+                                    const uint32_t params[]);
+typedef int32_t (*oxa_brng_single_fn)(StreamState* stream, int32_t n, float r[], float a,
+                                      float b);
+typedef int32_t (*oxa_brng_double_fn)(StreamState* stream, int32_t n, double r[], double a,
+                                      double b);
+typedef int32_t (*oxa_brng_bits_fn)(StreamState* stream, int32_t n, uint32_t r[]);
+
+/* A registry row: what a generator needs and gives, and its entry points. */
+typedef struct BrngProperties {
+  int32_t StateBytes; /* stream block size, header included */
+  int32_t SeedCount;  /* seed words consumed */
+  int32_t HasZero;    /* 1 if an output can be exactly zero */
+  int32_t WordBytes;  /* bytes of one GenBits word: 4, 8 or 16 */
+  int32_t BitCount;   /* significant random bits in one word */
+  oxa_brng_init_fn InitStream;
+  oxa_brng_single_fn GenSingle;
+  oxa_brng_double_fn GenDouble;
+  oxa_brng_bits_fn GenBits;
+} BrngProperties;
+
+/* Registry and id decoding. _vslGetBrngBaseOffset decodes an id into a table
+ * (legacy or registry) and a row and sub-index within it. */
+BrngProperties* _vslGetBrngBaseOffset(int32_t id, int32_t* row, int32_t* sub);
+int32_t _vslIsBrngValid(const BrngProperties* table, int32_t row, int32_t sub);
+int32_t _vslGetBrngProperties(int32_t id, BrngProperties* properties);
+int32_t _vslGetNumRegBrngs(void);
+int32_t _vslRegisterBrng(const BrngProperties* properties);
+
+/* Stream life cycle. */
+int32_t _vslAllocateStream(StreamState** handle, const BrngProperties* table, int32_t id,
+                           int32_t row, int32_t sub);
+int32_t _vslNewStreamEx(StreamState** handle, int32_t id, int32_t n, const uint32_t params[]);
+int32_t _vslCopyStream(StreamState** handle, const StreamState* source);
+int32_t _vslCopyStreamState(StreamState* destination, const StreamState* source);
+int32_t _vslDeleteStream(StreamState** handle);
+int32_t _vslLeapfrogStream(StreamState* stream, int32_t k, int32_t nstreams);
+int32_t _vslSkipAheadStream(StreamState* stream, uint64_t nskip);
+int32_t _vslGetStreamStateBrng(const StreamState* stream);
+int32_t _vslGetStreamSize(const StreamState* stream);
+
+/* Chunks. */
+int32_t _vslAddChunk(StreamState* stream, uint32_t id, const uint64_t key[2], void* data,
+                     uint32_t size);
+void* _vslSearchChunk(const StreamState* stream, uint32_t id);
+int32_t _vslGetNumChunks(const StreamState* stream);
+int32_t _vslDeleteChunksById(StreamState* stream, uint32_t id);
+int32_t _vslDeleteChunks(StreamState* stream);
+int32_t _vslCopyChunks(StreamState* destination, const StreamState* source);
+
+/* Shared read-only data table (128 entries, one spin lock). */
+int32_t _vslFindGlobRODataTableEntry(GlobRODataTableEntry** entry, const uint64_t key[2]);
+int32_t _vslCreateGlobRODataTableEntry(GlobRODataTableEntry** entry, const uint64_t key[2],
+                                       void* data);
+int32_t _vslRegisterGlobRODataReference(StreamChunk* holder, const uint64_t key[2]);
+int32_t _vslUnregisterGlobRODataReference(const uint64_t key[2]);
+int32_t _vslGenerateNewGlobalRODataTableEntryId(uint64_t key[2], uint64_t high);
+
+/* Modular arithmetic used by leapfrog and skip-ahead. */
+uint32_t _vsliPowMod(uint32_t a, uint64_t n, uint32_t m);
+uint32_t _vsliPowMod2P31M1(uint32_t a, uint64_t n);
+uint64_t _vsliPowMod2P59(uint64_t a, uint64_t n);
+/* x <- M^n x (mod m) for the 3 x 3 matrix M (row-major, entries below m). */
+void _vsliVect3PowMod(uint32_t x[3], const uint32_t matrix[9], uint64_t n, uint32_t m);
+
+/* Generator entry points (see BrngProperties for their meaning). */
+int32_t _vslBRngMCG31M1InitStream(int32_t method, StreamState* stream, int32_t n,
+                                  const uint32_t params[]);
+int32_t _vslsBRngMCG31M1(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngMCG31M1(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngMCG31M1(StreamState* stream, int32_t n, uint32_t r[]);
+
+int32_t _vslBRngMCG59InitStream(int32_t method, StreamState* stream, int32_t n,
+                                const uint32_t params[]);
+int32_t _vslsBRngMCG59(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngMCG59(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngMCG59(StreamState* stream, int32_t n, uint32_t r[]);
+
+int32_t _vslBRngMRG32K3AInitStream(int32_t method, StreamState* stream, int32_t n,
+                                   const uint32_t params[]);
+int32_t _vslsBRngMRG32K3A(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngMRG32K3A(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngMRG32K3A(StreamState* stream, int32_t n, uint32_t r[]);
+
+int32_t _vslBRngR250InitStream(int32_t method, StreamState* stream, int32_t n,
+                               const uint32_t params[]);
+int32_t _vslsBRngR250(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngR250(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngR250(StreamState* stream, int32_t n, uint32_t r[]);
+
+int32_t _vslBRngWHInitStream(int32_t method, StreamState* stream, int32_t n,
+                             const uint32_t params[]);
+int32_t _vslsBRngWH(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngWH(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngWH(StreamState* stream, int32_t n, uint32_t r[]);
 
 OXA_EXTERN_C_END
 

@@ -1,1 +1,0 @@
-// Replaced by the subsystem's first source file.
