@@ -53,8 +53,10 @@ template <const Layout& L, Acc A>
     // is below 2^-53 of the result and its own rounding is negligible.
     const dd::DD<VD> p = dd::two_prod(R.hi, simd::broadcast(kRootHalfHi));
     const VD lo = simd::fma(R.hi, simd::broadcast(kRootHalfLo), simd::fma(R.lo, simd::broadcast(kRootHalfHi), p.lo));
+    // Computed for |x| and given x's sign afterwards, so that -0 stays -0.
     const dd::DD<VD> g = dd::fast_two_sum(p.hi, lo);
-    return simd::fma(x, g.hi, x * g.lo);
+    const VD r = simd::fma(ax, g.hi, ax * g.lo);
+    return {_mm256_or_pd(r.v, _mm256_and_pd(x.v, _mm256_set1_pd(-0.0)))};
   }
 }
 
