@@ -274,6 +274,68 @@ void _vmlsTan(int64_t n, const float* a, float* r);    /* HA */
 void _vmlsTan_HA(int64_t n, const float* a, float* r);
 void _vmlsTan_21(int64_t n, const float* a, float* r); /* LA */
 void _vmlsTan_11(int64_t n, const float* a, float* r); /* EP */
+/* ---- Square root: r[i] = sqrt(a[i]) ------------------------------------- */
+
+void oxa_vml_kernel_dSqrt_E9HAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dSqrt_E9LAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dSqrt_E9EPnnn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_sSqrt_E9HAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sSqrt_E9LAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sSqrt_E9EPnnn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dSqrt_ttab[3]; /* LA, HA, EP */
+extern const OxaVmlKernel_s oxa_vml_kernel_sSqrt_ttab[3];
+extern const float oxa_vml_kernel_dSqrt_ctab[3]; /* relative costs LA, HA, EP */
+extern const float oxa_vml_kernel_sSqrt_ctab[3];
+void _vmldSqrt(int64_t n, const double* a, double* r);    /* HA */
+void _vmldSqrt_HA(int64_t n, const double* a, double* r);
+void _vmldSqrt_50(int64_t n, const double* a, double* r); /* LA */
+void _vmldSqrt_26(int64_t n, const double* a, double* r); /* EP */
+void _vmlsSqrt(int64_t n, const float* a, float* r);    /* HA */
+void _vmlsSqrt_HA(int64_t n, const float* a, float* r);
+void _vmlsSqrt_21(int64_t n, const float* a, float* r); /* LA */
+void _vmlsSqrt_11(int64_t n, const float* a, float* r); /* EP */
+
+/* ---- Reciprocal square root: r[i] = 1/sqrt(a[i]) ------------------------ */
+
+void oxa_vml_kernel_dInvSqrt_E9HAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dInvSqrt_E9LAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dInvSqrt_E9EPnnn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_sInvSqrt_E9HAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sInvSqrt_E9LAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sInvSqrt_E9EPnnn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dInvSqrt_ttab[3]; /* LA, HA, EP */
+extern const OxaVmlKernel_s oxa_vml_kernel_sInvSqrt_ttab[3];
+extern const float oxa_vml_kernel_dInvSqrt_ctab[3]; /* relative costs LA, HA, EP */
+extern const float oxa_vml_kernel_sInvSqrt_ctab[3];
+void _vmldInvSqrt(int64_t n, const double* a, double* r);    /* HA */
+void _vmldInvSqrt_HA(int64_t n, const double* a, double* r);
+void _vmldInvSqrt_50(int64_t n, const double* a, double* r); /* LA */
+void _vmldInvSqrt_26(int64_t n, const double* a, double* r); /* EP */
+void _vmlsInvSqrt(int64_t n, const float* a, float* r);    /* HA */
+void _vmlsInvSqrt_HA(int64_t n, const float* a, float* r);
+void _vmlsInvSqrt_21(int64_t n, const float* a, float* r); /* LA */
+void _vmlsInvSqrt_11(int64_t n, const float* a, float* r); /* EP */
+
+/* ---- Inverse error function: r[i] = erfinv(a[i]) ------------------------ */
+
+void oxa_vml_kernel_dErfInv_E9HAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dErfInv_E9LAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dErfInv_E9EPnnn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_sErfInv_E9HAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sErfInv_E9LAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sErfInv_E9EPnnn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dErfInv_ttab[3]; /* LA, HA, EP */
+extern const OxaVmlKernel_s oxa_vml_kernel_sErfInv_ttab[3];
+extern const float oxa_vml_kernel_dErfInv_ctab[3]; /* relative costs LA, HA, EP */
+extern const float oxa_vml_kernel_sErfInv_ctab[3];
+void _vmldErfInv(int64_t n, const double* a, double* r);    /* HA */
+void _vmldErfInv_HA(int64_t n, const double* a, double* r);
+void _vmldErfInv_50(int64_t n, const double* a, double* r); /* LA */
+void _vmldErfInv_26(int64_t n, const double* a, double* r); /* EP */
+void _vmlsErfInv(int64_t n, const float* a, float* r);    /* HA */
+void _vmlsErfInv_HA(int64_t n, const float* a, float* r);
+void _vmlsErfInv_21(int64_t n, const float* a, float* r); /* LA */
+void _vmlsErfInv_11(int64_t n, const float* a, float* r); /* EP */
 
 OXA_EXTERN_C_END
 

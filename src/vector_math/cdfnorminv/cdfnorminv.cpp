@@ -11,51 +11,20 @@
 // Special: 0 and -0 -> -inf, 1 -> +inf, status 2; a < 0, a > 1, +-inf -> NaN,
 //   status 1; NaN -> NaN quietly; 1/2 -> +0 exactly. Double a < 2^-54 takes the
 //   far-tail routine (cdfnorminv_tail.cpp). The control word is left alone.
-// Tables: cdfnorminv_tables.inc, made by tools/fit/cdfnorminv.py.
+// Tables: cdfnorminv_tables.inc, made by tools/fit/cdfnorminv.py, shared with
+//   ErfInv through cdfnorminv_rows.hpp.
 #include <bit>
 #include <cstdint>
-#include <limits>
 
 #include "vector_math/cdfnorminv/cdfnorminv.hpp"
+#include "vector_math/cdfnorminv/cdfnorminv_rows.hpp"
 #include "vector_math/frame/dd.hpp"
 #include "vector_math/frame/kernel_frame.hpp"
-#include "vector_math/frame/poly.hpp"
 
 namespace oxa::vml {
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-#include "vector_math/cdfnorminv/cdfnorminv_tables.inc"
-
-// Offsets in the constants block that follows the rows of each bulk table.
-enum Constant { kRowBase, kMaskBits, kCentre, kHalf, kOne, kTwo, kPosInf, kNegInf, kNumPos, kNumNeg, kZero };
-
-// Row layout of one table: row length, polynomial degree, index shift and base,
-// whether c0 and c1 are split (row = c0_lo, c1_lo, c2..cD, c0_hi, c1_hi).
-struct Layout {
-  const double* table;
-  int rows, row_length, degree, shift;
-  int32_t base;
-  bool split;
-  const double* constants() const { return table + rows * row_length; }
-};
-
-constexpr Layout kDoubleEP{dCdfNormInv_EP_Table, 851, 4, 3, 16, 0x3FEF, false};
-constexpr Layout kDoubleLA{dCdfNormInv_LA_Table, 213, 12, 11, 18, 0xFFB, false};
-constexpr Layout kDoubleHA{dCdfNormInv_HA_Table, 212, 17, 14, 18, 0xFFB, true};
-constexpr Layout kSingleHA{sCdfNormInv_HA_Table, 592, 6, 5, 18, 0xFFB, false};
-constexpr Layout kSingleLA{sCdfNormInv_LA_Table, 592, 5, 4, 18, 0xFFB, false};
-constexpr Layout kSingleEP{sCdfNormInv_EP_Table, 592, 3, 2, 18, 0xFFB, false};
-
-template <class T, Acc A>
-constexpr const Layout& layout() {
-  if constexpr (std::is_same_v<T, double>)
-    return A == Acc::HA ? kDoubleHA : A == Acc::LA ? kDoubleLA : kDoubleEP;
-  else
-    return A == Acc::HA ? kSingleHA : A == Acc::LA ? kSingleLA : kSingleEP;
-}
-
-using VD = simd::Vec<double>;
+using namespace norm_rows;  // Layout, layout(), the constant offsets
 
 // R(y) * (2x - 1) for four x in [2^-54, 1) (or the float fast range).
 template <const Layout& L>
@@ -64,38 +33,15 @@ template <const Layout& L>
   const VD x2 = x + x;
   const VD below_half{_mm256_cmp_pd(x.v, half.v, _CMP_LT_OQ)};
   const VD y = simd::select(below_half, two - x2, x2);
-
-  // Row: B - (hy >> s); x = 1/2 gives y = 1 and row -1, clamped to row 0
-  // where the factor 2x - 1 = 0 makes the result +0.
-  __m128i k = _mm_sub_epi32(_mm_set1_epi32(L.base), _mm_srli_epi32(simd::high_words(y), L.shift));
-  k = _mm_max_epi32(k, _mm_setzero_si128());
-  const simd::Rows4 rows = simd::rows4(L.table, _mm_mullo_epi32(k, _mm_set1_epi32(L.row_length)));
-
-  // t = (significand bits below the index, under the exponent of 1.0) - centre.
-  const __m256i keep = _mm256_set1_epi64x((int64_t{1} << (32 + L.shift)) - 1);
-  const VD m = simd::from_bits_d(_mm256_or_si256(_mm256_and_si256(simd::bits(y), keep), simd::bits(one)));
-  const VD t = m - simd::broadcast(L.constants()[kCentre]);
-
-  constexpr int kPadded = (L.row_length + 3) / 4 * 4;
-  VD c[kPadded];
-#pragma GCC unroll 8
-  for (int j = 0; j < L.row_length; j += 4) simd::gather_rows4(rows, j, c + j);
-
+  // x = 1/2 gives y = 1, evaluated at the bottom of row 0: the factor 2x - 1
+  // = 0 makes the result +0 all the same.
+  const dd::DD<VD> R = norm_rows::evaluate<L, false>(y);
   if constexpr (!L.split) {
-    // Estrin: the dependency chain of a long Horner scheme bounds the speed.
-    const VD r = poly::estrin<L.degree + 1>(c, t);
-    return r * (x2 - one);  // 2x - 1 rounds for x < 1/4: at most 0.5 ulp more
+    return R.hi * (x2 - one);  // 2x - 1 rounds for x < 1/4: at most 0.5 ulp more
   } else {
-    // R = (c0_hi + c1_hi t) + (c0_lo + c1_lo t + t^2 q), the head exact;
-    // q = c2 + c3 t + ... is below 2^-3 of R, so its rounding is negligible.
-    const VD q = poly::estrin<L.degree - 1>(c + 2, t);
-    const VD c0_hi = c[L.degree + 1], c1_hi = c[L.degree + 2];
-    const dd::DD<VD> lin = dd::two_prod(c1_hi, t);
-    const dd::DD<VD> head = dd::fast_two_sum(c0_hi, lin.hi);
-    const VD tail = simd::fma(t, simd::fma(t, q, c[1]), c[0]) + (head.lo + lin.lo);
     // 2x - 1 exactly as a double-double; one rounding for the product.
     const dd::DD<VD> d = dd::fast_two_sum(simd::broadcast(-1.0), x2);
-    return simd::fma(head.hi, d.hi, simd::fma(head.hi, d.lo, tail * d.hi));
+    return simd::fma(R.hi, d.hi, simd::fma(R.hi, d.lo, R.lo * d.hi));
   }
 }
 

@@ -7,13 +7,11 @@
 #include <cstdint>
 
 #include "vector_math/cdfnorminv/cdfnorminv.hpp"
+#include "vector_math/cdfnorminv/cdfnorminv_rows.hpp"
 #include "vector_math/frame/dd.hpp"
 
 namespace oxa::vml {
 namespace {
-
-constexpr double kInf = __builtin_inf();
-#include "vector_math/cdfnorminv/cdfnorminv_tables.inc"
 
 using D2 = dd::DD<double>;
 
