@@ -1,5 +1,5 @@
 // Cauchy: r = a + beta·tan u, u uniform on [-π/2, π/2).
-// Method: inversion in place by the Tan kernel, then a scale-and-shift pass.
+// Method: inversion by the Tan kernel and a scale-and-shift pass, in blocks.
 //         The error mode and callback are left as the caller set them: tan
 //         has no special result on this interval. The single-precision bounds
 //         are the float just below π/2 (the nearest float lies above π/2,
@@ -27,8 +27,9 @@ int32_t cauchy(StreamState* stream, int32_t n, T* r, T a, T beta) {
   if (n < 1) return 0;
   const int32_t status = draw_uniform<T>(stream, n, r, -HalfPi<T>::kValue, HalfPi<T>::kValue);
   if (status < 0) return status;
-  call_kernel(Vml<T>::tan[kSlotEP], n, r, r);
-  final_pass(r, n, Affine<T>{a, beta});
+  through_block(
+      r, n, [](int32_t m, const T* u, T* t) { call_kernel(Vml<T>::tan[kSlotEP], m, u, t); },
+      Affine<T>{a, beta});
   return status;
 }
 

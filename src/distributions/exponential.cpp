@@ -1,6 +1,5 @@
 // Exponential: r = max(a, a - beta·ln u), u uniform on [0, 1).
-// Method: inversion; one Ln pass in place over r, then one scale-and-shift
-//         pass. The floor at a keeps rounding from putting a value below the
+// Method: inversion; the Ln kernel and the scale-and-shift pass in blocks. The floor at a keeps rounding from putting a value below the
 //         displacement.
 // Special: u = 0 gives ln 0 -> -744.44 (float -103.28) through the callback,
 //          so r = a + 744.44·beta stays finite.
@@ -8,6 +7,7 @@
 #include "distributions/continuous.hpp"
 #include "distributions/lanes.hpp"
 #include "distributions/uniform_draw.hpp"
+#include "distributions/vml_calls.hpp"
 
 namespace oxa::distributions {
 
@@ -15,9 +15,11 @@ template <class T>
 int32_t exponential(StreamState* stream, int32_t n, T* r, T a, T beta) {
   if (n < 1) return 0;
   ErrorFrame frame(kLnCallBack<T>);
-  const int32_t status = draw_log_uniform(stream, n, r);
+  const int32_t status = draw_uniform<T>(stream, n, r, T(0), T(1));
   if (status < 0) return status;
-  final_pass(r, n, AffineFloor<T>{a, -beta});
+  through_block(
+      r, n, [](int32_t m, const T* u, T* t) { call_kernel(Vml<T>::ln[kSlotEP], m, u, t); },
+      AffineFloor<T>{a, -beta});
   return status;
 }
 

@@ -36,35 +36,36 @@ struct Consts<float> {
   static constexpr float kSqrt2 = 0x1.6a09e6p+0f;
 };
 
-// out[k] = sqrt(-2 ln u1[k]). The logarithm is taken out of place: the
-// callback tells ln 0 from the other singularities by the argument, which an
-// in-place call would already have overwritten.
+// q[k] = sqrt(-2 ln u1[k]), through the scratch t. No kernel runs in place:
+// the callback tells ln 0 from the other singularities by the argument.
 template <class T>
-void radius(int32_t m, const T* u1, T* out) {
-  call_kernel(Vml<T>::ln[kSlotEP], m, u1, out);
-  final_pass(out, m, [](auto x) { return lift<decltype(x)>(T(0)) - (x + x); });
-  call_kernel(Vml<T>::sqrt[kSlotEP], m, out, out);
+void radius(int32_t m, const T* u1, T* t, T* q) {
+  call_kernel(Vml<T>::ln[kSlotEP], m, u1, t);
+  final_pass(t, m, [](auto x) { return lift<decltype(x)>(T(0)) - (x + x); });
+  call_kernel(Vml<T>::sqrt[kSlotEP], m, static_cast<const T*>(t), q);
 }
 
 template <class T>
 int32_t box_muller(StreamState* stream, int32_t n, T* r, T a, T sigma) {
   constexpr int32_t kBlock = 1024;
-  alignas(32) T u[2 * kBlock];
+  alignas(32) T u[2 * kBlock];  // uniforms; then sines (first half), radii (second)
   alignas(32) T u1[kBlock];
-  alignas(32) T s[kBlock];
+  alignas(32) T theta[kBlock];
   int32_t status = 0;
   for (int32_t done = 0; done < n; done += kBlock) {
     const int32_t m = std::min(kBlock, n - done);
     status = draw_uniform<T>(stream, 2 * m, u, T(0), T(1));
     if (status < 0) return status;
-    split_pairs(m, u, u1, s, Consts<T>::kTwoPi);
-    call_kernel(Vml<T>::sin[kSlotEP], m, s, s);
-    T* q = u;  // the uniforms are spent
-    radius(m, u1, q);
-    zip_pass(m, q, s, r + done, [a, sigma](auto x, auto y) {
-      using V = decltype(x);
-      return lift<V>(a) + lift<V>(sigma) * x * y;
-    });
+    split_pairs(m, u, u1, theta, Consts<T>::kTwoPi);
+    T* s = u;
+    T* q = u + kBlock;
+    call_kernel(Vml<T>::sin[kSlotEP], m, static_cast<const T*>(theta), s);
+    radius(m, static_cast<const T*>(u1), theta, q);
+    zip_pass(m, static_cast<const T*>(q), static_cast<const T*>(s), r + done,
+             [a, sigma](auto x, auto y) {
+               using V = decltype(x);
+               return lift<V>(a) + lift<V>(sigma) * x * y;
+             });
   }
   return status;
 }
@@ -72,21 +73,21 @@ int32_t box_muller(StreamState* stream, int32_t n, T* r, T a, T sigma) {
 template <class T>
 int32_t box_muller2(StreamState* stream, int32_t n, T* r, T a, T sigma) {
   constexpr int32_t kPairs = 512;
-  alignas(32) T u[2 * kPairs];
+  alignas(32) T u[2 * kPairs];  // uniforms; then sines (first half), cosines (second)
   alignas(32) T u1[kPairs];
+  alignas(32) T theta[kPairs];
   alignas(32) T q[kPairs];
-  alignas(32) T t[kPairs];
-  alignas(32) T s[kPairs];
-  alignas(32) T c[kPairs];
+  T* s = u;
+  T* c = u + kPairs;
   int32_t status = 0;
   int32_t done = 0;
   while (n - done >= 2) {
     const int32_t m = std::min(kPairs, (n - done) / 2);
     status = draw_uniform<T>(stream, 2 * m, u, T(0), T(1));
     if (status < 0) return status;
-    split_pairs(m, u, u1, t, Consts<T>::kTwoPi);
-    call_kernel(Vml<T>::sincos[kSlotEP], m, t, s, c);
-    radius(m, u1, q);
+    split_pairs(m, u, u1, theta, Consts<T>::kTwoPi);
+    call_kernel(Vml<T>::sincos[kSlotEP], m, static_cast<const T*>(theta), s, c);
+    radius(m, static_cast<const T*>(u1), theta, q);
     T* out = r + done;
     for (int32_t k = 0; k < m; ++k) {
       const T scaled = sigma * q[k];
@@ -98,9 +99,9 @@ int32_t box_muller2(StreamState* stream, int32_t n, T* r, T a, T sigma) {
   if (done < n) {
     status = draw_uniform<T>(stream, 2, u, T(0), T(1));
     if (status < 0) return status;
-    split_pairs(1, u, u1, t, Consts<T>::kTwoPi);
-    call_kernel(Vml<T>::cos[kSlotEP], 1, t, c);
-    radius(1, u1, q);
+    split_pairs(1, u, u1, theta, Consts<T>::kTwoPi);
+    call_kernel(Vml<T>::cos[kSlotEP], 1, static_cast<const T*>(theta), c);
+    radius(1, static_cast<const T*>(u1), theta, q);
     r[done] = a + sigma * q[0] * c[0];
   }
   return status;
@@ -110,8 +111,9 @@ template <class T>
 int32_t icdf(StreamState* stream, int32_t n, T* r, T a, T sigma) {
   const int32_t status = draw_uniform<T>(stream, n, r, T(-1), T(1));
   if (status < 0 || n < 1) return status;
-  call_kernel(Vml<T>::erfinv[kSlotEP], n, r, r);
-  final_pass(r, n, Affine<T>{a, Consts<T>::kSqrt2 * sigma});
+  through_block(
+      r, n, [](int32_t m, const T* u, T* t) { call_kernel(Vml<T>::erfinv[kSlotEP], m, u, t); },
+      Affine<T>{a, Consts<T>::kSqrt2 * sigma});
   return status;
 }
 

@@ -30,6 +30,7 @@ int32_t geometric(StreamState* stream, int32_t n, int32_t* r, double p) {
   const float g = static_cast<float>(1.0 / std::log1p(-p));
   constexpr int32_t kBlock = 1024;
   alignas(32) float u[kBlock];
+  alignas(32) float log_u[kBlock];
   ErrorFrame frame(_vsLnCallBack);
   int32_t status = 0;
   const __m256 vg = _mm256_set1_ps(g), vmax = _mm256_set1_ps(kLargest);
@@ -37,14 +38,14 @@ int32_t geometric(StreamState* stream, int32_t n, int32_t* r, double p) {
     const int32_t m = std::min(kBlock, n - done);
     status = draw_uniform<float>(stream, m, u, 0.0f, 1.0f);
     if (status < 0) return status;
-    call_kernel(Vml<float>::ln[kSlotLA], m, u, u);
+    call_kernel(Vml<float>::ln[kSlotLA], m, static_cast<const float*>(u), log_u);
     int32_t* out = r + done;
     int32_t i = 0;
     for (; i + 8 <= m; i += 8) {
-      const __m256 x = _mm256_min_ps(_mm256_floor_ps(_mm256_mul_ps(_mm256_load_ps(u + i), vg)), vmax);
+      const __m256 x = _mm256_min_ps(_mm256_floor_ps(_mm256_mul_ps(_mm256_load_ps(log_u + i), vg)), vmax);
       _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + i), _mm256_cvttps_epi32(x));
     }
-    for (; i < m; ++i) out[i] = static_cast<int32_t>(std::min(std::floor(u[i] * g), kLargest));
+    for (; i < m; ++i) out[i] = static_cast<int32_t>(std::min(std::floor(log_u[i] * g), kLargest));
   }
   return status;
 }

@@ -1,5 +1,6 @@
 // Gumbel: r = a + beta·ln e, e a standard exponential variate.
-// Method: n standard exponentials in place, their Ln, a scale-and-shift pass
+// Method: n standard exponentials in r, then in blocks their Ln and a
+//         scale-and-shift pass
 //         (no floor: the variate is unbounded below).
 // Special: an exponential variate of 0 gives ln 0 -> -744.44 (float -103.28)
 //          through the callback, so r stays finite.
@@ -17,8 +18,9 @@ int32_t gumbel(StreamState* stream, int32_t n, T* r, T a, T beta) {
   ErrorFrame frame(kLnCallBack<T>);
   const int32_t status = exponential<T>(stream, n, r, T(0), T(1));
   if (status < 0) return status;
-  call_kernel(Vml<T>::ln[kSlotEP], n, r, r);
-  final_pass(r, n, Affine<T>{a, beta});
+  through_block(
+      r, n, [](int32_t m, const T* e, T* t) { call_kernel(Vml<T>::ln[kSlotEP], m, e, t); },
+      Affine<T>{a, beta});
   return status;
 }
 

@@ -30,21 +30,44 @@ inline float max_of(float a, float x) { return x > a ? x : a; }
 inline Vec<double> max_of(Vec<double> a, Vec<double> x) { return {_mm256_max_pd(x.v, a.v)}; }
 inline Vec<float> max_of(Vec<float> a, Vec<float> x) { return {_mm256_max_ps(x.v, a.v)}; }
 
-// r[i] = op(r[i]) for the scale-and-shift passes that finish a generator:
-// single elements until r is 32-byte aligned (when r is element-aligned at
-// all), then 16 elements a step, then one vector at a time, then singles.
+// out[i] = op(in[i]) for the scale-and-shift passes that finish a generator
+// (in may be out): single elements until out is 32-byte aligned (when out is
+// element-aligned at all), then 16 elements a step, then one vector at a
+// time, then singles.
 template <class T, class Op>
-void final_pass(T* r, int32_t n, Op op) {
+void map_pass(int32_t n, const T* in, T* out, Op op) {
   constexpr int32_t kLanes = Vec<T>::kLanes;
   int32_t i = 0;
-  if (reinterpret_cast<uintptr_t>(r) % sizeof(T) == 0) {
-    for (; i < n && reinterpret_cast<uintptr_t>(r + i) % 32 != 0; ++i) r[i] = op(r[i]);
+  if (reinterpret_cast<uintptr_t>(out) % sizeof(T) == 0) {
+    for (; i < n && reinterpret_cast<uintptr_t>(out + i) % 32 != 0; ++i) out[i] = op(in[i]);
   }
   for (; i + 16 <= n; i += 16) {
-    for (int32_t k = 0; k < 16; k += kLanes) store(r + i + k, op(oxa::vml::simd::load(r + i + k)));
+    for (int32_t k = 0; k < 16; k += kLanes)
+      store(out + i + k, op(oxa::vml::simd::load(in + i + k)));
   }
-  for (; i + kLanes <= n; i += kLanes) store(r + i, op(oxa::vml::simd::load(r + i)));
-  for (; i < n; ++i) r[i] = op(r[i]);
+  for (; i + kLanes <= n; i += kLanes) store(out + i, op(oxa::vml::simd::load(in + i)));
+  for (; i < n; ++i) out[i] = op(in[i]);
+}
+
+// r[i] = op(r[i]).
+template <class T, class Op>
+void final_pass(T* r, int32_t n, Op op) {
+  map_pass(n, r, r, op);
+}
+
+// Blocks of at most 1024 elements of r: transform(m, r + i, t) computes the
+// block into a stack buffer t, then r[i + k] = finish(t[k]). Kernels are thus
+// never called in place: a kernel's scalar special-case path reads its input
+// again after the vector path has stored the block's results.
+template <class T, class Transform, class Finish>
+void through_block(T* r, int32_t n, Transform transform, Finish finish) {
+  constexpr int32_t kBlock = 1024;
+  alignas(32) T t[kBlock];
+  for (int32_t done = 0; done < n; done += kBlock) {
+    const int32_t m = std::min(kBlock, n - done);
+    transform(m, static_cast<const T*>(r + done), t);
+    map_pass(m, t, r + done, finish);
+  }
 }
 
 // x <= y ? if_le : otherwise.

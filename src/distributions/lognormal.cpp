@@ -1,7 +1,7 @@
 // Lognormal: r = max(b, b + beta·exp(g)), g Gaussian with mean a and
 // deviation sigma.
 // Method: g by the Gaussian generator (Box-Muller2 for method 0, inverse CDF
-//         for any other), then the Exp kernel in place and a scale-and-shift
+//         for any other), then, in blocks, the Exp kernel and a scale-and-shift
 //         pass floored at the displacement b.
 #include "distributions/gaussian.hpp"
 #include "distributions/lanes.hpp"
@@ -19,8 +19,9 @@ int32_t lognormal(uint32_t method, StreamState* stream, int32_t n, T* r, T a, T 
   const uint32_t gaussian_method = method == 0 ? kGaussianBoxMuller2 : kGaussianIcdf;
   const int32_t status = gaussian<T>(gaussian_method, stream, n, r, a, sigma);
   if (status != 0) return status;
-  call_kernel(Vml<T>::exp[kSlotEP], n, r, r);
-  final_pass(r, n, AffineFloor<T>{b, beta});
+  through_block(
+      r, n, [](int32_t m, const T* g, T* t) { call_kernel(Vml<T>::exp[kSlotEP], m, g, t); },
+      AffineFloor<T>{b, beta});
   return status;
 }
 

@@ -9,28 +9,6 @@
 #include "oxa/vector_math.h"
 #include "vector_math/frame/thread_state.hpp"
 
-// Dispatch tables {LA, HA, EP} of the kernels used here.
-extern "C" {
-extern const OxaVmlKernel_d oxa_vml_kernel_dLn_ttab[3];
-extern const OxaVmlKernel_s oxa_vml_kernel_sLn_ttab[3];
-extern const OxaVmlKernel_d oxa_vml_kernel_dExp_ttab[3];
-extern const OxaVmlKernel_s oxa_vml_kernel_sExp_ttab[3];
-extern const OxaVmlKernel_d oxa_vml_kernel_dSin_ttab[3];
-extern const OxaVmlKernel_s oxa_vml_kernel_sSin_ttab[3];
-extern const OxaVmlKernel_d oxa_vml_kernel_dCos_ttab[3];
-extern const OxaVmlKernel_s oxa_vml_kernel_sCos_ttab[3];
-extern const OxaVmlKernel_d oxa_vml_kernel_dTan_ttab[3];
-extern const OxaVmlKernel_s oxa_vml_kernel_sTan_ttab[3];
-extern const OxaVmlKernel_d oxa_vml_kernel_dSqrt_ttab[3];
-extern const OxaVmlKernel_s oxa_vml_kernel_sSqrt_ttab[3];
-extern const OxaVmlKernel_d oxa_vml_kernel_dErfInv_ttab[3];
-extern const OxaVmlKernel_s oxa_vml_kernel_sErfInv_ttab[3];
-extern void (*const oxa_vml_kernel_dSinCos_ttab[3])(int64_t, const double*, double*, double*);
-extern void (*const oxa_vml_kernel_sSinCos_ttab[3])(int64_t, const float*, float*, float*);
-extern void (*const oxa_vml_kernel_dPowx_ttab[3])(int64_t, const double*, double, double*);
-extern void (*const oxa_vml_kernel_sPowx_ttab[3])(int64_t, const float*, float, float*);
-}
-
 namespace oxa::distributions {
 
 // Slots of a dispatch table.
