@@ -13,6 +13,7 @@
 // Kernels: Sin, Ln, Sqrt, SinCos, Cos, ErfInv, all from the EP slot, each
 //          called with denormals kept; no heap (block buffers on the stack).
 #include <algorithm>
+#include <utility>
 
 #include "distributions/callbacks.hpp"
 #include "distributions/gaussian.hpp"
@@ -88,12 +89,12 @@ int32_t box_muller2(StreamState* stream, int32_t n, T* r, T a, T sigma) {
     split_pairs(m, u, u1, theta, Consts<T>::kTwoPi);
     call_kernel(Vml<T>::sincos[kSlotEP], m, static_cast<const T*>(theta), s, c);
     radius(m, static_cast<const T*>(u1), theta, q);
-    T* out = r + done;
-    for (int32_t k = 0; k < m; ++k) {
-      const T scaled = sigma * q[k];
-      out[2 * k] = a + scaled * s[k];
-      out[2 * k + 1] = a + scaled * c[k];
-    }
+    pair_pass(m, static_cast<const T*>(q), static_cast<const T*>(s), static_cast<const T*>(c),
+              r + done, [a, sigma](auto qk, auto sk, auto ck) {
+                using V = decltype(qk);
+                const V scaled = lift<V>(sigma) * qk;
+                return std::pair{lift<V>(a) + scaled * sk, lift<V>(a) + scaled * ck};
+              });
     done += 2 * m;
   }
   if (done < n) {

@@ -125,6 +125,42 @@ void split_pairs(int32_t m, const T* u, T* even, T* odd, T scale) {
   }
 }
 
+// out[2k] = x[k], out[2k+1] = y[k] for the lanes of x and y.
+inline void store_pairs(double* out, Vec<double> x, Vec<double> y) {
+  const __m256d lo = _mm256_unpacklo_pd(x.v, y.v), hi = _mm256_unpackhi_pd(x.v, y.v);
+  _mm256_storeu_pd(out, _mm256_permute2f128_pd(lo, hi, 0x20));
+  _mm256_storeu_pd(out + 4, _mm256_permute2f128_pd(lo, hi, 0x31));
+}
+inline void store_pairs(float* out, Vec<float> x, Vec<float> y) {
+  const __m256 lo = _mm256_unpacklo_ps(x.v, y.v), hi = _mm256_unpackhi_ps(x.v, y.v);
+  _mm256_storeu_ps(out, _mm256_permute2f128_ps(lo, hi, 0x20));
+  _mm256_storeu_ps(out + 8, _mm256_permute2f128_ps(lo, hi, 0x31));
+}
+inline void store_pairs(double* out, double x, double y) {
+  out[0] = x;
+  out[1] = y;
+}
+inline void store_pairs(float* out, float x, float y) {
+  out[0] = x;
+  out[1] = y;
+}
+
+// (out[2k], out[2k+1]) = op(q[k], s[k], c[k]) for k < m, op returning a pair.
+template <class T, class Op>
+void pair_pass(int32_t m, const T* q, const T* s, const T* c, T* out, Op op) {
+  constexpr int32_t kLanes = Vec<T>::kLanes;
+  using oxa::vml::simd::load;
+  int32_t k = 0;
+  for (; k + kLanes <= m; k += kLanes) {
+    const auto [x, y] = op(load(q + k), load(s + k), load(c + k));
+    store_pairs(out + 2 * k, x, y);
+  }
+  for (; k < m; ++k) {
+    const auto [x, y] = op(q[k], s[k], c[k]);
+    store_pairs(out + 2 * k, x, y);
+  }
+}
+
 // The common finishing operations.
 // a + b·x
 template <class T>
