@@ -170,11 +170,12 @@ void expect_chi_square(const std::vector<int64_t>& counts, const std::vector<dou
 
 TEST(Goodness, BernoulliAndGeometricFrequencies) {
   constexpr int32_t n = 100000;
-  std::vector<int32_t> r(n);
+  std::vector<int32_t> r(n), shifted(n + 1);
   for (double p : {0.3, 0.9}) {
-    Stream s(OXA_BRNG_MCG31M1, {42});
-    ASSERT_EQ(_vsliRngBernoulli(0, s.get(), n, r.data() + 1, p), 0) << "unaligned start";
+    Stream s(OXA_BRNG_MCG31M1, {42}), copy(s);
     ASSERT_EQ(_vsliRngBernoulli(0, s.get(), n, r.data(), p), 0);
+    ASSERT_EQ(_vsliRngBernoulli(0, copy.get(), n, shifted.data() + 1, p), 0);
+    EXPECT_TRUE(std::equal(r.begin(), r.end(), shifted.begin() + 1)) << "alignment changes nothing";
     std::vector<int64_t> counts(2);
     for (int32_t v : r) {
       ASSERT_TRUE(v == 0 || v == 1);
