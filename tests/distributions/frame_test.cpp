@@ -42,9 +42,8 @@ const Plan kPlans[] = {
 };
 
 const Plan& plan_of(const std::string& generator) {
-  const std::string base = generator[0] == 'd' || generator[0] == 's' ? generator.substr(1) : generator;
   for (const Plan& p : kPlans)
-    if (base == p.name) return p;
+    if (generator == p.name) return p;
   ADD_FAILURE() << "no plan for " << generator;
   return kPlans[0];
 }
@@ -55,43 +54,51 @@ int32_t total(const std::vector<int32_t>& v) {
   return t;
 }
 
+// Each generator in each precision it has.
+template <class F>
+void for_each_generator(F f) {
+  for (const auto& g : oxa_test::transforms())
+    for (bool single : {false, true})
+      if (!(single && g.discrete)) f(g, single, g.name + (single ? " single" : " double"));
+}
+
+int32_t run(const oxa_test::Transform& g, StreamState* s, int32_t n, bool single) {
+  std::vector<double> out;
+  return g.run(s, n, out, 0, single);
+}
+
 TEST(Generators, DrawUniformsInTheirBlocksAndAdvanceTheStreamByThem) {
-  const auto generators = oxa_test::transforming_generators();
-  for (const auto& g : generators) {
+  for_each_generator([](const oxa_test::Transform& g, bool single, const std::string& what) {
     const Plan& plan = plan_of(g.name);
-    const bool single = g.name[0] == 's' || g.name == "Geometric" || g.name == "Bernoulli";
     for (size_t k = 0; k < kCounts.size(); ++k) {
       const int32_t n = kCounts[k];
       Stream fake(oxa_test::scripted_id(), {});
       script().reset({0.3, 0.7, 0.1, 0.9});
-      ASSERT_EQ(g.call(fake.get(), n).status, 0) << g.name;
-      EXPECT_EQ(script().counts(), plan.requests[k]) << g.name << " n=" << n;
-      for (const auto& r : script().requests) EXPECT_EQ(r.single, single) << g.name;
+      ASSERT_EQ(run(g, fake.get(), n, single), 0) << what;
+      EXPECT_EQ(script().counts(), plan.requests[k]) << what << " n=" << n;
+      for (const auto& r : script().requests) EXPECT_EQ(r.single, single || g.discrete) << what;
 
       // A real stream ends where a copy skipped by the same count ends.
       Stream s(OXA_BRNG_MCG31M1, {20261121}), copy(s);
-      ASSERT_EQ(g.call(s.get(), n).status, 0);
+      ASSERT_EQ(run(g, s.get(), n, single), 0);
       ASSERT_EQ(_vslSkipAheadStream(copy.get(), static_cast<uint64_t>(total(plan.requests[k]))), 0);
-      EXPECT_EQ(oxa_test::reals(s, 3), oxa_test::reals(copy, 3)) << g.name << " n=" << n;
+      EXPECT_EQ(oxa_test::reals(s, 3), oxa_test::reals(copy, 3)) << what << " n=" << n;
     }
     Stream fake(oxa_test::scripted_id(), {});
     script().reset({0.5});
-    for (int32_t n : {0, -5}) {
-      EXPECT_EQ(g.call(fake.get(), n).status, 0) << g.name;
-    }
-    EXPECT_TRUE(script().requests.empty()) << g.name << ": n < 1 draws nothing";
-  }
+    for (int32_t n : {0, -5}) EXPECT_EQ(run(g, fake.get(), n, single), 0) << what;
+    EXPECT_TRUE(script().requests.empty()) << what << ": n < 1 draws nothing";
+  });
 }
 
 int32_t user_callback(VmlErrorContext*) { return 1; }
 
 TEST(Generators, PutBackTheCallersModeAndCallbackOnEveryPath) {
-  const auto generators = oxa_test::transforming_generators();
   const uint32_t modes[] = {OXA_VML_DEFAULT_MODE,  // empty denormal field
                             OXA_VML_LA | OXA_VML_ERRMODE_ERRNO | OXA_VML_DENORMAL_FLUSH};
-  // Fail at the first request, and at the second (after a block is done).
+  // Never fail; fail at the first request; fail at the second (a block done).
   const int32_t failures[] = {-1, 0, 1};
-  for (const auto& g : generators) {
+  for_each_generator([&](const oxa_test::Transform& g, bool single, const std::string& what) {
     for (uint32_t mode : modes) {
       for (VmlErrorCallBack cb : {static_cast<VmlErrorCallBack>(nullptr), &user_callback}) {
         for (int32_t fail : failures) {
@@ -100,87 +107,61 @@ TEST(Generators, PutBackTheCallersModeAndCallbackOnEveryPath) {
           const uint32_t before = oxa_vml_kernel_GetMode();
           Stream fake(oxa_test::scripted_id(), {});
           script().reset({0.0, 0.25, 0.5, 0.999}, fail);
-          const int32_t status = g.call(fake.get(), 2049).status;
-          EXPECT_EQ(status, fail < 0 || fail >= static_cast<int32_t>(script().requests.size())
-                                ? 0
-                                : oxa_test::kScriptedFailure)
-              << g.name;
-          EXPECT_EQ(oxa_vml_kernel_GetMode(), before) << g.name << " fail=" << fail;
-          EXPECT_EQ(oxa_vml_kernel_GetErrorCallBack(), cb) << g.name << " fail=" << fail;
+          const int32_t status = run(g, fake.get(), 2049, single);
+          const bool failed = fail >= 0 && fail < static_cast<int32_t>(script().requests.size());
+          EXPECT_EQ(status, failed ? oxa_test::kScriptedFailure : 0) << what;
+          EXPECT_EQ(oxa_vml_kernel_GetMode(), before) << what << " fail=" << fail;
+          EXPECT_EQ(oxa_vml_kernel_GetErrorCallBack(), cb) << what << " fail=" << fail;
           // While drawing, the generator's own frame was in force.
           for (const auto& r : script().requests) {
             if (g.installs_callback) {
-              EXPECT_EQ(r.mode & OXA_VML_ERRMODE_MASK, uint32_t{OXA_VML_ERRMODE_CALLBACK}) << g.name;
-              EXPECT_NE(r.callback, cb) << g.name;
+              EXPECT_EQ(r.mode & OXA_VML_ERRMODE_MASK, uint32_t{OXA_VML_ERRMODE_CALLBACK}) << what;
+              EXPECT_NE(r.callback, cb) << what;
             } else {
-              EXPECT_EQ(r.mode, before) << g.name;
+              EXPECT_EQ(r.mode, before) << what;
             }
           }
         }
       }
     }
-  }
+  });
   oxa_vml_kernel_ClearErrorCallBack();
   oxa_vml_kernel_SetMode(OXA_VML_DEFAULT_MODE);
 }
 
-// Uniforms of exactly 0 (and -1 for the inverse CDF) reach the output as the
-// callbacks' finite stand-ins.
+// Uniforms of exactly 0 (-1 for the inverse CDF) reach the output as the
+// callbacks' finite stand-ins (parameter set 0: location 0, scale 1).
 TEST(Generators, SpecialKernelResultsBecomeFiniteStandIns) {
   const double ln0 = -744.4400719213812, ln0f = -103.27893;
   const double erfinv1 = 5.8635847487551676, erfinv1f = 3.8325069;
   struct Case {
-    const char* what;
+    const char* name;
+    bool single;
     std::vector<double> units;
-    std::function<double(StreamState*)> run;
     double want;
-    double tolerance;
-  };
-  auto d1 = [](auto f) {
-    return [f](StreamState* s) {
-      double r[2] = {0, 0};
-      EXPECT_EQ(f(s, r), 0);
-      return r[0];
-    };
-  };
-  auto f1 = [](auto f) {
-    return [f](StreamState* s) {
-      float r[2] = {0, 0};
-      EXPECT_EQ(f(s, r), 0);
-      return static_cast<double>(r[0]);
-    };
   };
   const Case cases[] = {
-      {"dBoxMuller", {0.0, 0.25}, d1([](StreamState* s, double* r) { return _vsldRngGaussian(0, s, 1, r, 1.0, 2.0); }),
-       1.0 + 2.0 * std::sqrt(-2 * ln0), 1e-6},
-      {"sBoxMuller", {0.0, 0.25}, f1([](StreamState* s, float* r) { return _vslsRngGaussian(0, s, 1, r, 1.0f, 2.0f); }),
-       1.0 + 2.0 * std::sqrt(-2 * ln0f), 1e-3},
-      {"dBoxMuller2 odd", {0.0, 0.0}, d1([](StreamState* s, double* r) { return _vsldRngGaussian(1, s, 1, r, 1.0, 2.0); }),
-       1.0 + 2.0 * std::sqrt(-2 * ln0), 1e-6},
-      {"dICDF", {0.0}, d1([](StreamState* s, double* r) { return _vsldRngGaussian(2, s, 1, r, 1.0, 2.0); }),
-       1.0 - 2.0 * std::sqrt(2.0) * erfinv1, 1e-6},
-      {"sICDF", {0.0}, f1([](StreamState* s, float* r) { return _vslsRngGaussian(2, s, 1, r, 1.0f, 2.0f); }),
-       1.0 - 2.0 * std::sqrt(2.0) * erfinv1f, 1e-3},
-      {"dExponential", {0.0}, d1([](StreamState* s, double* r) { return _vsldRngExponential(0, s, 1, r, 1.0, 2.0); }),
-       1.0 - 2.0 * ln0, 1e-9},
-      {"sExponential", {0.0}, f1([](StreamState* s, float* r) { return _vslsRngExponential(0, s, 1, r, 1.0f, 2.0f); }),
-       1.0 - 2.0 * ln0f, 1e-3},
-      {"dRayleigh", {0.0}, d1([](StreamState* s, double* r) { return _vsldRngRayleigh(0, s, 1, r, 1.0, 2.0); }),
-       1.0 + 2.0 * std::sqrt(-ln0), 1e-6},
-      {"dWeibull", {0.0}, d1([](StreamState* s, double* r) { return _vsldRngWeibull(0, s, 1, r, 0.5, 1.0, 2.0); }),
-       1.0 + 2.0 * ln0 * ln0, 1e-3},
-      {"dLaplace", {0.0, 0.25}, d1([](StreamState* s, double* r) { return _vsldRngLaplace(0, s, 1, r, 1.0, 2.0); }),
-       1.0 - 2.0 * ln0, 1e-9},
-      {"Geometric", {0.0}, [](StreamState* s) {
-         int32_t r[1];
-         EXPECT_EQ(_vsliRngGeometric(0, s, 1, r, 0.5), 0);
-         return static_cast<double>(r[0]);
-       }, std::floor(ln0f / std::log(0.5)), 0.0},
+      {"Gaussian0", false, {0.0, 0.25}, std::sqrt(-2 * ln0)},
+      {"Gaussian0", true, {0.0, 0.25}, std::sqrt(-2 * ln0f)},
+      {"Gaussian1", false, {0.0, 0.0}, std::sqrt(-2 * ln0)},  // odd count: cosine of a fresh pair
+      {"Gaussian2", false, {0.0}, -std::sqrt(2.0) * erfinv1},
+      {"Gaussian2", true, {0.0}, -std::sqrt(2.0) * erfinv1f},
+      {"Exponential", false, {0.0}, -ln0},
+      {"Exponential", true, {0.0}, -ln0f},
+      {"Rayleigh", false, {0.0}, std::sqrt(-ln0)},
+      {"Weibull", false, {0.0}, std::pow(-ln0, 1 / 1.7)},
+      {"Laplace", false, {0.0, 0.25}, -ln0},
+      {"Geometric", false, {0.0}, std::floor(ln0f / std::log(0.75))},
   };
   for (const Case& c : cases) {
-    Stream fake(oxa_test::scripted_id(), {});
-    script().reset(c.units);
-    EXPECT_NEAR(c.run(fake.get()), c.want, c.tolerance * std::fabs(c.want)) << c.what;
+    for (const auto& g : oxa_test::transforms()) {
+      if (g.name != c.name) continue;
+      Stream fake(oxa_test::scripted_id(), {});
+      script().reset(c.units);
+      std::vector<double> out;
+      ASSERT_EQ(g.run(fake.get(), 1, out, 0, c.single), 0);
+      EXPECT_NEAR(out[0], c.want, (c.single ? 1e-3 : 1e-7) * std::fabs(c.want)) << c.name << c.single;
+    }
   }
 }
 

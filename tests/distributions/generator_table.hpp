@@ -1,8 +1,11 @@
 // Every transforming generator behind one call shape, for the table-driven
-// tests: call(stream, n) runs it with fixed parameters and returns the status
-// and the values as doubles.
+// tests: run(stream, n, out, k, single) draws n values with parameter set k
+// (0 or 1) in double or single precision and widens them into out; cdf(x, k)
+// is the exact distribution function (empty for the discrete generators,
+// which have one precision).
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -12,71 +15,108 @@
 
 namespace oxa_test {
 
-struct Outcome {
-  int32_t status;
-  std::vector<double> values;
-};
-
 struct Transform {
   std::string name;
-  std::function<Outcome(StreamState*, int32_t)> call;
-  bool installs_callback;  // false: the generator leaves the error mode alone
+  std::function<int32_t(StreamState*, int32_t, std::vector<double>&, int, bool)> run;
+  std::function<double(double, int)> cdf;
+  bool installs_callback = true;  // false: leaves the vector-math error mode alone
+  bool discrete = false;
 };
 
-template <class T, class F>
-std::function<Outcome(StreamState*, int32_t)> wrap(F f) {
-  return [f](StreamState* s, int32_t n) {
-    std::vector<T> r(static_cast<size_t>(n > 0 ? n : 1));
-    const int32_t status = f(s, n, r.data());
-    return Outcome{status, std::vector<double>(r.begin(), r.begin() + (n > 0 ? n : 0))};
+// Location and scale of the two parameter sets.
+inline constexpr double kA[2] = {0.0, -3.0}, kB[2] = {1.0, 2.5};
+
+// f(stream, n, r, k) for r of type double or float, chosen by `single`.
+template <class F>
+auto both(F f) {
+  return [f](StreamState* s, int32_t n, std::vector<double>& out, int k, bool single) {
+    const size_t size = static_cast<size_t>(n > 0 ? n : 0);
+    int32_t status;
+    if (single) {
+      std::vector<float> r(size + 1);
+      status = f(s, n, r.data(), k);
+      out.assign(r.begin(), r.begin() + size);
+    } else {
+      out.assign(size + 1, 0.0);
+      status = f(s, n, out.data(), k);
+      out.resize(size);
+    }
+    return status;
   };
 }
 
-// Both precisions of a generator whose parameters are (a, b).
-template <class D, class S>
-void add_pair(std::vector<Transform>& g, const std::string& name, D d, S s, bool cb = true) {
-  g.push_back({"d" + name, wrap<double>(d), cb});
-  g.push_back({"s" + name, wrap<float>(s), cb});
+template <class F>
+auto integers(F f) {
+  return [f](StreamState* s, int32_t n, std::vector<double>& out, int k, bool) {
+    std::vector<int32_t> r(static_cast<size_t>(n > 0 ? n : 0) + 1);
+    const int32_t status = f(s, n, r.data(), k);
+    out.assign(r.begin(), r.begin() + (n > 0 ? n : 0));
+    return status;
+  };
 }
 
-inline std::vector<Transform> transforming_generators() {
-  std::vector<Transform> g;
+// One overload set per generator, so that `both` can call either precision.
+template <class T>
+T p(double v) { return static_cast<T>(v); }
+
+inline double normal_cdf(double z) { return 0.5 * std::erfc(-z / std::sqrt(2.0)); }
+
+inline std::vector<Transform> transforms() {
+  std::vector<Transform> t;
   for (uint32_t m = 0; m < 3; ++m) {
-    add_pair(g, "Gaussian" + std::to_string(m),
-             [m](StreamState* s, int32_t n, double* r) { return _vsldRngGaussian(m, s, n, r, 1.0, 2.0); },
-             [m](StreamState* s, int32_t n, float* r) { return _vslsRngGaussian(m, s, n, r, 1.0f, 2.0f); });
+    t.push_back({"Gaussian" + std::to_string(m), both([m](StreamState* s, int32_t n, auto* r, int k) {
+                   using T = std::remove_pointer_t<decltype(r)>;
+                   if constexpr (sizeof(T) == 8) return _vsldRngGaussian(m, s, n, r, kA[k], kB[k]);
+                   else return _vslsRngGaussian(m, s, n, r, p<T>(kA[k]), p<T>(kB[k]));
+                 }),
+                 [](double x, int k) { return normal_cdf((x - kA[k]) / kB[k]); }});
   }
+  // Lognormal: mean a, deviation 0.5 + k, displacement 1, scale 2.
   for (uint32_t m = 0; m < 2; ++m) {
-    add_pair(g, "Lognormal" + std::to_string(m),
-             [m](StreamState* s, int32_t n, double* r) { return _vsldRngLognormal(m, s, n, r, 0.0, 0.5, 1.0, 2.0); },
-             [m](StreamState* s, int32_t n, float* r) { return _vslsRngLognormal(m, s, n, r, 0.0f, 0.5f, 1.0f, 2.0f); });
+    t.push_back({"Lognormal" + std::to_string(m), both([m](StreamState* s, int32_t n, auto* r, int k) {
+                   using T = std::remove_pointer_t<decltype(r)>;
+                   if constexpr (sizeof(T) == 8) return _vsldRngLognormal(m, s, n, r, kA[k], 0.5 + k, 1.0, 2.0);
+                   else return _vslsRngLognormal(m, s, n, r, p<T>(kA[k]), 0.5f + k, 1.0f, 2.0f);
+                 }),
+                 [](double x, int k) {
+                   return x <= 1.0 ? 0.0 : normal_cdf((std::log((x - 1.0) / 2.0) - kA[k]) / (0.5 + k));
+                 }});
   }
-  add_pair(g, "Exponential",
-           [](StreamState* s, int32_t n, double* r) { return _vsldRngExponential(0, s, n, r, 1.0, 2.0); },
-           [](StreamState* s, int32_t n, float* r) { return _vslsRngExponential(0, s, n, r, 1.0f, 2.0f); });
-  add_pair(g, "Laplace",
-           [](StreamState* s, int32_t n, double* r) { return _vsldRngLaplace(0, s, n, r, 1.0, 2.0); },
-           [](StreamState* s, int32_t n, float* r) { return _vslsRngLaplace(0, s, n, r, 1.0f, 2.0f); });
-  add_pair(g, "Weibull",
-           [](StreamState* s, int32_t n, double* r) { return _vsldRngWeibull(0, s, n, r, 2.0, 1.0, 2.0); },
-           [](StreamState* s, int32_t n, float* r) { return _vslsRngWeibull(0, s, n, r, 2.0f, 1.0f, 2.0f); });
-  add_pair(g, "Cauchy",
-           [](StreamState* s, int32_t n, double* r) { return _vsldRngCauchy(0, s, n, r, 1.0, 2.0); },
-           [](StreamState* s, int32_t n, float* r) { return _vslsRngCauchy(0, s, n, r, 1.0f, 2.0f); },
-           false);
-  add_pair(g, "Rayleigh",
-           [](StreamState* s, int32_t n, double* r) { return _vsldRngRayleigh(0, s, n, r, 1.0, 2.0); },
-           [](StreamState* s, int32_t n, float* r) { return _vslsRngRayleigh(0, s, n, r, 1.0f, 2.0f); });
-  add_pair(g, "Gumbel",
-           [](StreamState* s, int32_t n, double* r) { return _vsldRngGumbel(0, s, n, r, 1.0, 2.0); },
-           [](StreamState* s, int32_t n, float* r) { return _vslsRngGumbel(0, s, n, r, 1.0f, 2.0f); });
-  g.push_back({"Geometric", wrap<int32_t>([](StreamState* s, int32_t n, int32_t* r) {
-                 return _vsliRngGeometric(0, s, n, r, 0.25);
-               }), true});
-  g.push_back({"Bernoulli", wrap<int32_t>([](StreamState* s, int32_t n, int32_t* r) {
-                 return _vsliRngBernoulli(0, s, n, r, 0.25);
-               }), false});
-  return g;
+  // Generators of the shape (method, stream, n, r, a, beta).
+  auto ab = [&t](const char* name, auto fd, auto fs, std::function<double(double, int)> cdf, bool cb = true) {
+    t.push_back({name, both([fd, fs](StreamState* s, int32_t n, auto* r, int k) {
+                   using T = std::remove_pointer_t<decltype(r)>;
+                   if constexpr (sizeof(T) == 8) return fd(0, s, n, r, kA[k], kB[k]);
+                   else return fs(0, s, n, r, p<T>(kA[k]), p<T>(kB[k]));
+                 }),
+                 cdf, cb});
+  };
+  auto z = [](double x, int k) { return (x - kA[k]) / kB[k]; };
+  ab("Exponential", _vsldRngExponential, _vslsRngExponential,
+     [z](double x, int k) { return x <= kA[k] ? 0.0 : -std::expm1(-z(x, k)); });
+  ab("Laplace", _vsldRngLaplace, _vslsRngLaplace, [z](double x, int k) {
+    return z(x, k) < 0 ? 0.5 * std::exp(z(x, k)) : 1 - 0.5 * std::exp(-z(x, k));
+  });
+  ab("Cauchy", _vsldRngCauchy, _vslsRngCauchy, [z](double x, int k) { return 0.5 + std::atan(z(x, k)) / M_PI; },
+     false);
+  ab("Rayleigh", _vsldRngRayleigh, _vslsRngRayleigh,
+     [z](double x, int k) { return x <= kA[k] ? 0.0 : -std::expm1(-z(x, k) * z(x, k)); });
+  ab("Gumbel", _vsldRngGumbel, _vslsRngGumbel, [z](double x, int k) { return -std::expm1(-std::exp(z(x, k))); });
+  // Weibull: shape 1.7, and 0.6 (an exponent above 1 for the power pass).
+  static constexpr double kShape[2] = {1.7, 0.6};
+  t.push_back({"Weibull", both([](StreamState* s, int32_t n, auto* r, int k) {
+                 using T = std::remove_pointer_t<decltype(r)>;
+                 if constexpr (sizeof(T) == 8) return _vsldRngWeibull(0, s, n, r, kShape[k], kA[k], kB[k]);
+                 else return _vslsRngWeibull(0, s, n, r, p<T>(kShape[k]), p<T>(kA[k]), p<T>(kB[k]));
+               }),
+               [z](double x, int k) { return x <= kA[k] ? 0.0 : -std::expm1(-std::pow(z(x, k), kShape[k])); }});
+  t.push_back({"Geometric", integers([](StreamState* s, int32_t n, int32_t* r, int k) {
+                 return _vsliRngGeometric(0, s, n, r, k == 0 ? 0.25 : 0.6);
+               }), nullptr, true, true});
+  t.push_back({"Bernoulli", integers([](StreamState* s, int32_t n, int32_t* r, int k) {
+                 return _vsliRngBernoulli(0, s, n, r, k == 0 ? 0.25 : 0.9);
+               }), nullptr, false, true});
+  return t;
 }
 
 }  // namespace oxa_test

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "distributions/generator_table.hpp"
 #include "oxa/distributions.h"
 #include "streams/stream_fixture.hpp"
 
@@ -33,115 +34,20 @@ double ks_statistic(std::vector<double> x, const std::function<double(double)>& 
   return std::sqrt(n) * d;
 }
 
-double normal_cdf(double z) { return 0.5 * std::erfc(-z / std::sqrt(2.0)); }
-
-struct Continuous {
-  std::string name;
-  // Generates n values with parameter set k (0 or 1) in double (single =
-  // false) or single precision.
-  std::function<int32_t(StreamState*, int32_t, std::vector<double>&, int, bool)> generate;
-  std::function<double(double, int)> cdf;
-};
-
-// Runs f with a double or float buffer and widens the result.
-template <class FD, class FS>
-auto both(FD fd, FS fs) {
-  return [fd, fs](StreamState* s, int32_t n, std::vector<double>& out, int k, bool single) {
-    int32_t status;
-    if (single) {
-      std::vector<float> r(n);
-      status = fs(s, n, r.data(), k);
-      out.assign(r.begin(), r.end());
-    } else {
-      out.resize(n);
-      status = fd(s, n, out.data(), k);
-    }
-    return status;
-  };
-}
-
-// Two parameter sets per distribution: (a, b) = (0, 1) and (-3, 2.5).
-const double kA[2] = {0.0, -3.0}, kB[2] = {1.0, 2.5};
-
-std::vector<Continuous> continuous() {
-  std::vector<Continuous> c;
-  for (uint32_t m = 0; m < 3; ++m) {
-    c.push_back({"Gaussian" + std::to_string(m),
-                 both([m](StreamState* s, int32_t n, double* r, int k) { return _vsldRngGaussian(m, s, n, r, kA[k], kB[k]); },
-                      [m](StreamState* s, int32_t n, float* r, int k) {
-                        return _vslsRngGaussian(m, s, n, r, static_cast<float>(kA[k]), static_cast<float>(kB[k]));
-                      }),
-                 [](double x, int k) { return normal_cdf((x - kA[k]) / kB[k]); }});
-  }
-  // Lognormal: mean a, deviation 0.5 + k, displacement b = 1, scale 2.
-  for (uint32_t m = 0; m < 2; ++m) {
-    c.push_back({"Lognormal" + std::to_string(m),
-                 both([m](StreamState* s, int32_t n, double* r, int k) { return _vsldRngLognormal(m, s, n, r, kA[k], 0.5 + k, 1.0, 2.0); },
-                      [m](StreamState* s, int32_t n, float* r, int k) {
-                        return _vslsRngLognormal(m, s, n, r, static_cast<float>(kA[k]), 0.5f + k, 1.0f, 2.0f);
-                      }),
-                 [](double x, int k) { return x <= 1.0 ? 0.0 : normal_cdf((std::log((x - 1.0) / 2.0) - kA[k]) / (0.5 + k)); }});
-  }
-  auto add = [&c](const std::string& name, auto fd, auto fs, std::function<double(double, int)> cdf) {
-    c.push_back({name, both([fd](StreamState* s, int32_t n, double* r, int k) { return fd(0, s, n, r, kA[k], kB[k]); },
-                            [fs](StreamState* s, int32_t n, float* r, int k) {
-                              return fs(0, s, n, r, static_cast<float>(kA[k]), static_cast<float>(kB[k]));
-                            }),
-                 cdf});
-  };
-  add("Exponential", _vsldRngExponential, _vslsRngExponential,
-      [](double x, int k) { return x <= kA[k] ? 0.0 : -std::expm1(-(x - kA[k]) / kB[k]); });
-  add("Laplace", _vsldRngLaplace, _vslsRngLaplace, [](double x, int k) {
-    const double z = (x - kA[k]) / kB[k];
-    return z < 0 ? 0.5 * std::exp(z) : 1 - 0.5 * std::exp(-z);
-  });
-  add("Cauchy", _vsldRngCauchy, _vslsRngCauchy,
-      [](double x, int k) { return 0.5 + std::atan((x - kA[k]) / kB[k]) / M_PI; });
-  add("Rayleigh", _vsldRngRayleigh, _vslsRngRayleigh, [](double x, int k) {
-    const double z = (x - kA[k]) / kB[k];
-    return x <= kA[k] ? 0.0 : -std::expm1(-z * z);
-  });
-  add("Gumbel", _vsldRngGumbel, _vslsRngGumbel,
-      [](double x, int k) { return -std::expm1(-std::exp((x - kA[k]) / kB[k])); });
-  // Weibull: shape 1.7 and 0.6 (below 1: the Powx pass with exponent > 1).
-  const double shape[2] = {1.7, 0.6};
-  c.push_back({"Weibull",
-               both([shape](StreamState* s, int32_t n, double* r, int k) { return _vsldRngWeibull(0, s, n, r, shape[k], kA[k], kB[k]); },
-                    [shape](StreamState* s, int32_t n, float* r, int k) {
-                      return _vslsRngWeibull(0, s, n, r, static_cast<float>(shape[k]), static_cast<float>(kA[k]),
-                                             static_cast<float>(kB[k]));
-                    }),
-               [shape](double x, int k) {
-                 return x <= kA[k] ? 0.0 : -std::expm1(-std::pow((x - kA[k]) / kB[k], shape[k]));
-               }});
-  return c;
-}
-
 TEST(Goodness, ContinuousSamplesFollowTheirCdf) {
-  for (const Continuous& d : continuous()) {
+  for (const auto& d : oxa_test::transforms()) {
+    if (d.discrete) continue;
     for (bool single : {false, true}) {
       for (int k = 0; k < 2; ++k) {
         Stream s(OXA_BRNG_MRG32K3A, {12345u + static_cast<uint32_t>(k)});
         std::vector<double> x;
-        ASSERT_EQ(d.generate(s.get(), kSample, x, k, single), 0) << d.name;
+        ASSERT_EQ(d.run(s.get(), kSample, x, k, single), 0) << d.name;
         const auto cdf = d.cdf;
         EXPECT_LT(ks_statistic(x, [&](double v) { return cdf(v, k); }), kKsLimit)
             << d.name << (single ? " single" : " double") << " set " << k;
       }
     }
   }
-}
-
-// Floors: the displacement is a lower bound, whatever the rounding.
-TEST(Goodness, DisplacementIsALowerBound) {
-  Stream s(OXA_BRNG_MCG59, {7});
-  std::vector<double> r(5000);
-  ASSERT_EQ(_vsldRngExponential(0, s.get(), 5000, r.data(), 1e6, 1e-12), 0);
-  for (double v : r) ASSERT_GE(v, 1e6);
-  ASSERT_EQ(_vsldRngWeibull(0, s.get(), 5000, r.data(), 3.0, -7.0, 1e-20), 0);
-  for (double v : r) ASSERT_GE(v, -7.0);
-  ASSERT_EQ(_vsldRngRayleigh(0, s.get(), 5000, r.data(), 2.5, 1e-18), 0);
-  for (double v : r) ASSERT_GE(v, 2.5);
 }
 
 // Weibull with shape 1 is the exponential variate of the same uniforms.
