@@ -3,8 +3,6 @@
 //         1/alpha (skipped for alpha = 1, which makes the variate exactly the
 //         exponential one), then the scale-and-shift pass floored at a.
 // Special: u = 0 gives ln 0 -> -744.44 (float -103.28) through the callback.
-#include <algorithm>
-
 #include "distributions/callbacks.hpp"
 #include "distributions/lanes.hpp"
 #include "distributions/uniform_draw.hpp"
@@ -23,14 +21,15 @@ int32_t weibull(StreamState* stream, int32_t n, T* r, T alpha, T a, T beta) {
   through_block(
       r, n,
       [alpha, exponent](int32_t m, const T* u, T* t) {
+        if (alpha == T(1)) {
+          call_kernel(Vml<T>::ln[kSlotEP], m, u, t);
+          final_pass(t, m, Negate<T>{});
+          return;
+        }
         alignas(32) T e[1024];
         call_kernel(Vml<T>::ln[kSlotEP], m, u, e);
         final_pass(e, m, Negate<T>{});
-        if (alpha != T(1)) {
-          call_kernel(Vml<T>::powx[kSlotEP], m, static_cast<const T*>(e), exponent, t);
-        } else {
-          std::copy(e, e + m, t);
-        }
+        call_kernel(Vml<T>::powx[kSlotEP], m, static_cast<const T*>(e), exponent, t);
       },
       AffineFloor<T>{a, beta});
   return status;
