@@ -91,7 +91,7 @@ TEST(PowxAccuracy, Double) {
                        {{"HA", oxa_vml_kernel_dPowx_E9HAynn, oxa::test::Bound::ulps(1.0)},
                         {"LA", oxa_vml_kernel_dPowx_E9LAynn, oxa::test::Bound::ulps(4.0)},
                         {"EP", oxa_vml_kernel_dPowx_E9EPnnn, oxa::test::Bound::relative(0x1p-26)}},
-                       exponent_grid<double>(), oxa::test::sample_count(100000) / 25);
+                       exponent_grid<double>(), oxa::test::sample_count(50000) / 25);
 }
 
 TEST(PowxAccuracy, Single) {
@@ -99,7 +99,7 @@ TEST(PowxAccuracy, Single) {
                       {{"HA", oxa_vml_kernel_sPowx_E9HAynn, oxa::test::Bound::ulps(1.0)},
                        {"LA", oxa_vml_kernel_sPowx_E9LAynn, oxa::test::Bound::ulps(4.0)},
                        {"EP", oxa_vml_kernel_sPowx_E9EPnnn, oxa::test::Bound::relative(0x1p-11)}},
-                      exponent_grid<float>(), oxa::test::sample_count(100000) / 25);
+                      exponent_grid<float>(), oxa::test::sample_count(50000) / 25);
 }
 
 }  // namespace

@@ -15,6 +15,8 @@
 #include <cstdint>
 
 #include "oxa/vector_math.h"
+#include "vector_math/frame/lanes.hpp"
+#include "vector_math/frame/runtime_value.hpp"
 #include "vector_math/frame/simd.hpp"
 
 namespace oxa::vml::expc {
@@ -61,21 +63,42 @@ struct Exp {
     // (k div N) into the exponent field, wrapping modulo 2^64 like the bits.
     const __m256i top = _mm256_add_epi64(_mm256_slli_epi64(_mm256_andnot_si256(_mm256_set1_epi64x(kN - 1), ki), 45),
                                          _mm256_set1_epi64x(adjust << 52));
-    const VD hi{_mm256_i64gather_pd(kExp2Hi, j, 8)};
+    VD hi, tail;
+    lanes::load_pairs4(kExp2, j, hi, tail);
     const VD scale = simd::from_bits_d(_mm256_add_epi64(simd::bits(hi), top));
     VD p = expm1_small<Deg>(r);
-    if constexpr (kTail) p = p + VD{_mm256_i64gather_pd(kExp2Tail, j, 8)};
+    if constexpr (kTail) p = p + tail;
     return simd::fma(scale, p, scale);
   }
   static constexpr int kN = 128;
 };
 
-// Values the optimiser must not fold, so that overflow and underflow happen
-// at run time and raise the processor's flags.
-inline double opaque(double v) {
-  asm("" : "+x"(v));
-  return v;
-}
+// Single precision, eight float lanes: N = 8 and the table of 2^(j/8) (with
+// its tails) lives in one register each, fetched by a lane permutation.
+// |r| <= ln2/16; e^r - 1 of degree Deg in float (truncation 2^-29.6 for
+// Deg = 4, 2^-16.2 for 2). The table tail is worth 0.5 ulp; float roundings
+// in r and the polynomial add about 0.1 ulp.
+template <int Deg, bool kTail>
+struct ExpSingle {
+  using VF = simd::Vec<float>;
+  // e^x for |x| < 87 (the result is then a normal float).
+  [[gnu::always_inline]] static VF eval(VF x) {
+    const VF kf{_mm256_round_ps((x * simd::broadcast(kInvLn2N8f)).v, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
+    VF r = simd::fnma(kf, simd::broadcast(kLn2N8Headf), x);  // exact
+    r = simd::fnma(kf, simd::broadcast(kLn2N8Tailf), r);
+    const __m256i ki = _mm256_cvtps_epi32(kf.v);
+    const __m256i j = _mm256_and_si256(ki, _mm256_set1_epi32(7));
+    const __m256i top = _mm256_slli_epi32(_mm256_srai_epi32(ki, 3), 23);
+    const __m256 hi = _mm256_permutevar8x32_ps(_mm256_load_ps(kExp2N8Hif), j);
+    const VF scale = simd::from_bits_f(_mm256_add_epi32(_mm256_castps_si256(hi), top));
+    VF q = simd::broadcast(static_cast<float>(kInvFact[Deg - 2]));
+#pragma GCC unroll 4
+    for (int n = Deg - 3; n >= 0; --n) q = simd::fma(q, r, simd::broadcast(static_cast<float>(kInvFact[n])));
+    VF p = simd::fma(r * r, q, r);
+    if constexpr (kTail) p = p + VF{_mm256_permutevar8x32_ps(_mm256_load_ps(kExp2N8Tailf), j)};
+    return simd::fma(scale, p, scale);
+  }
+};
 
 // e^(x + x_lo) for any finite x, one lane at a time, with its status:
 // VML_ERR_OVERFLOW when the result is +inf, VML_ERR_UNDERFLOW when it is
@@ -85,9 +108,9 @@ double exp_wide(double x, double x_lo, int32_t* status) {
   *status = VML_ERR_NONE;
   double y;
   if (x > 710.0) {
-    y = opaque(0x1p1023) * opaque(0x1p1023);
+    y = runtime_value(0x1p1023) * runtime_value(0x1p1023);
   } else if (x < -746.0) {
-    y = opaque(0x1p-1022) * opaque(0x1p-1022);
+    y = runtime_value(0x1p-1022) * runtime_value(0x1p-1022);
   } else if (x > 0) {  // scale by 2^-1 inside, 2 outside: the last step alone may overflow
     double lanes[4];
     simd::store(lanes, E::eval(simd::broadcast(x), simd::broadcast(x_lo), -1));

@@ -1,11 +1,12 @@
 // Ln: r = ln a.
 // Method: a = 2^k z, z in [0.707, 1.414), 128 rows of (1/c, ln c); ln a =
 //   k ln2 + ln c + ln1p(z/c - 1), ln1p a Taylor polynomial on |r| < 2^-7.6
-//   (ln_core.hpp). d HA sums the leading terms in double-double, LA and EP
-//   round three times; single precision is evaluated in double and rounded
-//   once.
-// Accuracy: d HA 0.50 ulp, LA 1.1 ulp, EP 2^-31 rel; s HA 0.50 ulp, LA 0.50
-//   ulp, EP 2^-17 rel (measured by tests/vector_math/ln_accuracy).
+//   (ln_core.hpp). d HA sums the leading terms without rounding, LA and EP
+//   round three times. Single precision, in float lanes: 16 rows in
+//   registers, |r| < 2^-5, HA again with an exact leading sum. The scalar
+//   routine works in double.
+// Accuracy: d HA 0.50 ulp, LA 1.06 ulp, EP 2^-33 rel; s HA 0.58 ulp, LA 1.49
+//   ulp (all floats), EP 2^-17 rel (measured by tests/vector_math/ln_accuracy).
 // Special: +-0 -> -inf, status 2; a < 0 (and -inf) -> NaN, status 1; +inf ->
 //   +inf; NaN -> NaN quietly; 1 -> +0. Subnormal inputs (taken as zero when
 //   the mode treats denormals as zero) and all the above go to the scalar
@@ -15,6 +16,7 @@
 #include <cstdint>
 
 #include "vector_math/frame/kernel_frame.hpp"
+#include "vector_math/frame/runtime_value.hpp"
 #include "vector_math/ln/ln_core.hpp"
 
 namespace oxa::vml {
@@ -27,17 +29,12 @@ namespace {
 
 using VD = simd::Vec<double>;
 
-inline double opaque(double v) {
-  asm("" : "+x"(v));
-  return v;
-}
-
 // ln of positive normal doubles (after any scaling, k_adjust added to k).
 template <class T, Acc A>
 [[gnu::always_inline]] inline VD ln_of(VD x, VD k_adjust) {
   if constexpr (std::is_same_v<T, double>) {
     if constexpr (A == Acc::HA) {
-      const dd::DD<VD> l = lnc::ln_dd<8>(x, k_adjust);
+      const dd::DD<VD> l = lnc::ln_hilo<8, false>(x, k_adjust);
       return l.hi + l.lo;
     } else {
       return lnc::ln_plain<A == Acc::LA ? 7 : 4>(x, k_adjust);
@@ -58,11 +55,11 @@ int32_t ln_cout_rare(const T* a, T* r) {
     return VML_ERR_NONE;
   }
   if (x == 0) {  // also a subnormal when denormals are taken as zero
-    *r = static_cast<T>(opaque(-1.0) / opaque(0.0));
+    *r = static_cast<T>(runtime_value(-1.0) / runtime_value(0.0));
     return VML_ERR_SINGULARITY;
   }
   if (x < 0) {
-    *r = static_cast<T>(opaque(HUGE_VAL) * opaque(0.0));
+    *r = static_cast<T>(runtime_value(HUGE_VAL) * runtime_value(0.0));
     return VML_ERR_DOMAIN;
   }
   if (std::isinf(x)) {
@@ -111,11 +108,10 @@ struct Policy<fam::Ln, T, A> {
   }
 
   [[gnu::always_inline]] static simd::Vec<T> vector(simd::Vec<T> x) {
-    const VD zero = simd::broadcast(0.0);
     if constexpr (kDouble)
-      return ln_of<T, A>(x, zero);
+      return ln_of<T, A>(x, simd::broadcast(0.0));
     else
-      return simd::narrow(ln_of<T, A>(simd::widen_low(x), zero), ln_of<T, A>(simd::widen_high(x), zero));
+      return lnc::LnSingle<A == Acc::EP ? 3 : 5, A == Acc::HA>::eval(x);
   }
 
   static int32_t scalar(const T* x, T* r) {
