@@ -47,7 +47,7 @@ template <class T>
 void check(const char* name, const std::vector<Level<T>>& levels, oxa::test::Reference ref, T big) {
   const int64_t count = oxa::test::sample_count(6000);
   const std::vector<T> hard = hard_inputs<T>();
-  for (const Domain<T>& d : {Domain<T>{0, big}, Domain<T>{-big, 0}, Domain<T>{0, T(100)},
+  for (const Domain<T>& d : {Domain<T>{0, big}, Domain<T>{-big, 0}, Domain<T>{0, T(100)}, Domain<T>{T(-4096), 0},
                              Domain<T>{T(-0x1p30), T(-0x1p20)}})
     oxa::test::expect_within(oxa::test::measure<T>(levels, ref, d, hard, count), name);
 }

@@ -27,6 +27,8 @@ from mpmath import mp, mpf, sin, cos, sqrt, pi, lu_solve, matrix, floor, ldexp
 mp.prec = 200
 R = mpf('0.786')
 Z = R * R
+# Sine on |r| <= pi/2 (plus the same kind of margin), for kernels that reduce by pi.
+R_PI = mpf('1.5709')
 
 
 def d(x):
@@ -47,8 +49,9 @@ def g_cos(z):
     return (cos(sqrt(z)) - 1 + z / 2) / (z * z)
 
 
-def fit(g, n):
-    nodes = [Z / 2 * (1 - cos(pi * (2 * k + 1) / (2 * n))) for k in range(n)]
+def fit(g, n, zmax=None):
+    zmax = Z if zmax is None else zmax
+    nodes = [zmax / 2 * (1 - cos(pi * (2 * k + 1) / (2 * n))) for k in range(n)]
     A = matrix(n, n)
     b = matrix(n, 1)
     for i, z in enumerate(nodes):
@@ -92,6 +95,30 @@ def poly_set(name, n_sin, n_cos, purpose):
     out.append(f"constexpr TrigPoly {name}{{")
     out.append(f"    {n_sin}, {{{', '.join(hexd(v) for v in cs)}}}, {hexd(cs_lo)},")
     out.append(f"    {n_cos}, {{{', '.join(hexd(v) for v in cc)}}}}};")
+    return "\n".join(out)
+
+
+def f32(x):
+    """x rounded to the nearest float (as an mpf)."""
+    import struct
+    return mpf(struct.unpack('f', struct.pack('f', float(x)))[0])
+
+
+def hexf(x):
+    mant, exp = float(x).hex().split("p")
+    return mant.rstrip("0").rstrip(".") + "p" + exp + "f"
+
+
+def odd_set(name, n, single, purpose):
+    """sin r = r + r z S(z) on |r| <= R_PI, coefficients in double or float."""
+    rnd, fmt, ctype = (f32, hexf, "float") if single else (d, hexd, "double")
+    cs = [rnd(v) for v in fit(g_sin, n, R_PI * R_PI)]
+    err = mpf(0)
+    for i in range(1, 2001):
+        r = R_PI * i / 2000
+        err = max(err, abs((r + r * r * r * horner(cs, r * r)) / sin(r) - 1))
+    out = [f"// {name}: {purpose}; error 2^{log2(err):.1f} relative."]
+    out.append(f"constexpr {ctype} {name}[{n}] = {{{', '.join(fmt(v) for v in cs)}}};")
     return "\n".join(out)
 
 
@@ -141,6 +168,22 @@ def main():
     print(poly_set("kPolyDoubleEP", 4, 4, "double EP"))
     print(poly_set("kPolySingleHA", 4, 4, "single HA and LA, evaluated in double"))
     print(poly_set("kPolySingleEP", 2, 2, "single EP, evaluated in double"))
+    print()
+    print("// Odd polynomials for sin r on |r| <= 1.5709, for the kernels that reduce by pi.")
+    print(f"constexpr double kInvPi = {hexd(d(1 / pi))};")
+    fp1 = f32(pi)
+    fp2 = f32(pi - fp1)
+    fp3 = f32(pi - fp1 - fp2)
+    print("// pi = PF1 + PF2 + PF3 + O(2^-72) in floats.")
+    print(f"constexpr float kPiF_1 = {hexf(fp1)};")
+    print(f"constexpr float kPiF_2 = {hexf(fp2)};")
+    print(f"constexpr float kPiF_3 = {hexf(fp3)};")
+    print(f"constexpr float kInvPiF = {hexf(f32(1 / pi))};")
+    print(odd_set("kSinPiDoubleLA", 9, False, "double LA"))
+    print(odd_set("kSinPiDoubleEP", 5, False, "double EP"))
+    print(odd_set("kSinPiSingleHA", 5, False, "single HA, evaluated in double"))
+    print(odd_set("kSinPiSingleLA", 4, True, "single LA, in float"))
+    print(odd_set("kSinPiSingleEP", 3, True, "single EP, in float"))
 
 
 if __name__ == "__main__":

@@ -7,7 +7,9 @@
 //   is close to a multiple of pi/2 (|r| >= 2^-61 for every double).
 //   HA carries r, sin r and cos r as double-doubles; LA and EP carry doubles.
 //   Quadrant k mod 4 picks +-sin r or +-cos r; tan is sin/cos or -cos/sin.
-//   Single precision runs the double formula on each half of the vector.
+//   Sin and Cos below HA reduce by pi instead and need one odd polynomial
+//   (sin_by_pi). Single precision runs in double on each half of the vector,
+//   except Sin and Cos below HA, which stay in float while |x| < 2^12.
 // Everything else goes to trig_rare (trig_rare.cpp), which reduces huge
 // arguments exactly (reduce_pio2d.cpp).
 #pragma once
@@ -157,42 +159,116 @@ template <TrigOut Out, class T, Acc A>
   }
 }
 
+// Sin and Cos by reduction modulo pi and one odd polynomial (the LA and EP
+// levels, and single HA in double): x = n pi + r, sin x = (-1)^n sin r; for
+// cos, x = (n + 1/2) pi + r and cos x = -(-1)^n sin r. |r| <= pi/2, so
+// sin r = r + r z S(z) has a tail of up to 0.41 r: about 1.5 ulp in double.
+template <class V>
+struct PiSteps;
+template <>
+struct PiSteps<VD> {
+  static constexpr double kMagic = 0x1.8p52, kInv = kInvPi;
+  static constexpr double kP1 = 2 * kPio2_1, kP2 = 2 * kPio2_2, kP3 = 2 * kPio2_3;
+  // Sign bit set where the integer in the low bits of t (plus `add`) is odd.
+  static __m256i parity(VD t, int add) {
+    return _mm256_slli_epi64(_mm256_add_epi64(simd::bits(t), _mm256_set1_epi64x(add)), 63);
+  }
+  static VD flip(VD v, __m256i s) { return simd::from_bits_d(_mm256_xor_si256(simd::bits(v), s)); }
+};
+using VF = simd::Vec<float>;
+template <>
+struct PiSteps<VF> {
+  static constexpr float kMagic = 0x1.8p23f, kInv = kInvPiF;
+  static constexpr float kP1 = kPiF_1, kP2 = kPiF_2, kP3 = kPiF_3;
+  static __m256i parity(VF t, int add) {
+    return _mm256_slli_epi32(_mm256_add_epi32(simd::bits(t), _mm256_set1_epi32(add)), 31);
+  }
+  static VF flip(VF v, __m256i s) { return simd::from_bits_f(_mm256_xor_si256(simd::bits(v), s)); }
+};
+
+template <bool kCos, int N, class V, class C>
+[[gnu::always_inline]] inline V sin_by_pi(V x, const C* coef) {
+  using S = PiSteps<V>;
+  using E = decltype(S::kMagic);
+  const V magic = simd::broadcast(S::kMagic);
+  const V u = kCos ? simd::fms(x, simd::broadcast(S::kInv), simd::broadcast(E(0.5)))
+                   : x * simd::broadcast(S::kInv);
+  const V t = u + magic;
+  V n = t - magic;
+  if constexpr (kCos) n = n + simd::broadcast(E(0.5));
+  // x - n P1 is exact; the later steps round once each.
+  const V r = simd::fnma(n, simd::broadcast(S::kP3),
+                         simd::fnma(n, simd::broadcast(S::kP2), simd::fnma(n, simd::broadcast(S::kP1), x)));
+  const V z = r * r;
+  V k[N];
+#pragma GCC unroll 12
+  for (int j = 0; j < N; ++j) k[j] = simd::broadcast(static_cast<E>(coef[j]));
+  const V s = simd::fma(r * z, poly::horner<N>(k, z), r);
+  return S::flip(s, S::parity(t, kCos ? 1 : 0));
+}
+
 // The policy of the four families; a family adds only its error name.
 template <TrigOut Out, class T, Acc A>
 struct TrigPolicy {
   static constexpr bool kSetsControlWord = true;
   static constexpr T kSafeInput = T(0.5);
+  static constexpr bool kDouble = std::is_same_v<T, double>;
+  static constexpr bool kByPi = Out == TrigOut::Sin || Out == TrigOut::Cos;
+  static constexpr bool kCos = Out == TrigOut::Cos;
 
   // Special: |x| >= 2^30, infinities, NaN, and |x| below 2^-27 (single:
   // 2^-12), where sin x = tan x = x and cos x = 1 after rounding and the
-  // sign of a zero (also a flushed denormal) must be kept. One unsigned
-  // compare on |high word| - low bound, done as a signed compare with the
-  // sign bit flipped.
+  // sign of a zero (also a flushed denormal) must be kept. Two compares on
+  // |x|; NaN fails "less than" and so is special.
   static simd::Vec<T> special(simd::Vec<T> x) {
-    constexpr int32_t kFlip = static_cast<int32_t>(0x80000000u);
-    if constexpr (std::is_same_v<T, double>) {
-      const __m128i a = _mm_sub_epi32(_mm_and_si128(simd::high_words(x), _mm_set1_epi32(0x7FFFFFFF)),
-                                      _mm_set1_epi32(0x3E400000));
-      const __m128i biased = _mm_xor_si128(a, _mm_set1_epi32(kFlip));
-      return simd::widen_mask(_mm_cmpgt_epi32(biased, _mm_set1_epi32((0x41D00000 - 0x3E400000 - 1) ^ kFlip)));
+    if constexpr (kDouble) {
+      const __m256d ax = _mm256_andnot_pd(_mm256_set1_pd(-0.0), x.v);
+      return {_mm256_or_pd(_mm256_cmp_pd(ax, _mm256_set1_pd(0x1p30), _CMP_NLT_UQ),
+                           _mm256_cmp_pd(ax, _mm256_set1_pd(0x1p-27), _CMP_LT_OQ))};
     } else {
-      const __m256i a = _mm256_sub_epi32(_mm256_and_si256(simd::bits(x), _mm256_set1_epi32(0x7FFFFFFF)),
-                                         _mm256_set1_epi32(0x39800000));
-      const __m256i biased = _mm256_xor_si256(a, _mm256_set1_epi32(kFlip));
-      return simd::from_bits_f(
-          _mm256_cmpgt_epi32(biased, _mm256_set1_epi32((0x4E800000 - 0x39800000 - 1) ^ kFlip)));
+      const __m256 ax = _mm256_andnot_ps(_mm256_set1_ps(-0.0f), x.v);
+      return {_mm256_or_ps(_mm256_cmp_ps(ax, _mm256_set1_ps(0x1p30f), _CMP_NLT_UQ),
+                           _mm256_cmp_ps(ax, _mm256_set1_ps(0x1p-12f), _CMP_LT_OQ))};
     }
   }
 
-  [[gnu::always_inline]] static void both(simd::Vec<T> x, simd::Vec<T>& r1, simd::Vec<T>& r2) {
-    if constexpr (std::is_same_v<T, double>) {
-      evaluate<Out, T, A>(x, r1, r2);
+  // Single precision, four lanes at a time in double.
+  [[gnu::always_inline]] static void halves(simd::Vec<float> x, simd::Vec<float>& r1, simd::Vec<float>& r2) {
+    VD lo1, lo2, hi1, hi2;
+    const VD lo = simd::widen_low(x), hi = simd::widen_high(x);
+    if constexpr (kByPi) {
+      lo1 = sin_by_pi<kCos, 5>(lo, kSinPiSingleHA);
+      hi1 = sin_by_pi<kCos, 5>(hi, kSinPiSingleHA);
     } else {
-      VD lo1, lo2, hi1, hi2;
-      evaluate<Out, T, A>(simd::widen_low(x), lo1, lo2);
-      evaluate<Out, T, A>(simd::widen_high(x), hi1, hi2);
-      r1 = simd::narrow(lo1, hi1);
-      if constexpr (Out == TrigOut::SinCos) r2 = simd::narrow(lo2, hi2);
+      evaluate<Out, T, A>(lo, lo1, lo2);
+      evaluate<Out, T, A>(hi, hi1, hi2);
+    }
+    r1 = simd::narrow(lo1, hi1);
+    if constexpr (Out == TrigOut::SinCos) r2 = simd::narrow(lo2, hi2);
+  }
+
+  [[gnu::always_inline]] static void both(simd::Vec<T> x, simd::Vec<T>& r1, simd::Vec<T>& r2) {
+    if constexpr (kDouble) {
+      if constexpr (kByPi && A != Acc::HA) {
+        if constexpr (A == Acc::LA)
+          r1 = sin_by_pi<kCos, 9>(x, kSinPiDoubleLA);
+        else
+          r1 = sin_by_pi<kCos, 5>(x, kSinPiDoubleEP);
+      } else {
+        evaluate<Out, T, A>(x, r1, r2);
+      }
+    } else if constexpr (kByPi && A != Acc::HA) {
+      // In float while every |x| < 2^12 (k < 1304: the float steps of pi keep
+      // r within 2^-24 relative), else in double.
+      const __m256 ax = _mm256_andnot_ps(_mm256_set1_ps(-0.0f), x.v);
+      if (_mm256_movemask_ps(_mm256_cmp_ps(ax, _mm256_set1_ps(0x1p12f), _CMP_GE_OQ)) != 0)
+        return halves(x, r1, r2);
+      if constexpr (A == Acc::LA)
+        r1 = sin_by_pi<kCos, 4>(x, kSinPiSingleLA);
+      else
+        r1 = sin_by_pi<kCos, 3>(x, kSinPiSingleEP);
+    } else {
+      halves(x, r1, r2);
     }
   }
 
