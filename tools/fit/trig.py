@@ -22,7 +22,7 @@ Each set's comment gives the relative error of sin and cos with the rounded
 coefficients (S's constant term with its low part), measured on 2000 points
 of (0, R].
 """
-from mpmath import mp, mpf, sin, cos, sqrt, pi, lu_solve, matrix, floor, ldexp
+from mpmath import mp, mpf, sin, cos, tan, sqrt, pi, lu_solve, matrix, floor, ldexp
 
 mp.prec = 200
 R = mpf('0.786')
@@ -122,6 +122,39 @@ def odd_set(name, n, single, purpose):
     return "\n".join(out)
 
 
+def g_tan(z):
+    s = sqrt(z)
+    return tan(s) / s
+
+
+def rational_set(name, m, n, single, purpose):
+    """tan r = r P(z) / Q(z) on |r| <= R, Q(0) = 1: P of degree m, Q of degree n,
+    interpolating at m + n + 1 Chebyshev nodes of [0, R^2]."""
+    rnd, fmt, ctype = (f32, hexf, "float") if single else (d, hexd, "double")
+    k = m + n + 1
+    nodes = [Z / 2 * (1 - cos(pi * (2 * i + 1) / (2 * k))) for i in range(k)]
+    A = matrix(k, k)
+    b = matrix(k, 1)
+    for i, z in enumerate(nodes):
+        g = g_tan(z)
+        for j in range(m + 1):
+            A[i, j] = z ** j
+        for j in range(1, n + 1):
+            A[i, m + j] = -g * z ** j
+        b[i] = g
+    c = lu_solve(A, b)
+    pc = [rnd(c[j]) for j in range(m + 1)]
+    qc = [mpf(1)] + [rnd(c[m + j]) for j in range(1, n + 1)]
+    err = mpf(0)
+    for i in range(1, 2001):
+        r = R * i / 2000
+        err = max(err, abs(r * horner(pc, r * r) / horner(qc, r * r) / tan(r) - 1))
+    out = [f"// {name}: {purpose}; error 2^{log2(err):.1f} relative."]
+    out.append(f"constexpr {ctype} {name}P[{m + 1}] = {{{', '.join(fmt(v) for v in pc)}}};")
+    out.append(f"constexpr {ctype} {name}Q[{n + 1}] = {{{', '.join(fmt(v) for v in qc)}}};")
+    return "\n".join(out)
+
+
 def two_over_pi_words(count):
     v = 2 / pi
     words = [0]  # one word of zeros in front: windows may start before the point
@@ -184,6 +217,13 @@ def main():
     print(odd_set("kSinPiSingleHA", 5, False, "single HA, evaluated in double"))
     print(odd_set("kSinPiSingleLA", 4, True, "single LA, in float"))
     print(odd_set("kSinPiSingleEP", 3, True, "single EP, in float"))
+    print()
+    print("// Rational tangents tan r = r P(z) / Q(z) on |r| <= 0.786, for the kernels below HA.")
+    print(rational_set("kTanDoubleLA", 3, 3, False, "double LA"))
+    print(rational_set("kTanDoubleEP", 2, 2, False, "double EP"))
+    print(rational_set("kTanSingleHA", 2, 2, False, "single HA, evaluated in double"))
+    print(rational_set("kTanSingleLA", 2, 2, True, "single LA, in float"))
+    print(rational_set("kTanSingleEP", 1, 1, True, "single EP, in float"))
 
 
 if __name__ == "__main__":

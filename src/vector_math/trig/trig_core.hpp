@@ -8,8 +8,9 @@
 //   HA carries r, sin r and cos r as double-doubles; LA and EP carry doubles.
 //   Quadrant k mod 4 picks +-sin r or +-cos r; tan is sin/cos or -cos/sin.
 //   Sin and Cos below HA reduce by pi instead and need one odd polynomial
-//   (sin_by_pi). Single precision runs in double on each half of the vector,
-//   except Sin and Cos below HA, which stay in float while |x| < 2^12.
+//   (sin_by_pi); Tan below HA uses a rational tan r (tan_rational). Single
+//   precision runs in double on each half of the vector, except Sin, Cos and
+//   Tan below HA, which stay in float while |x| < 2^12.
 // Everything else goes to trig_rare (trig_rare.cpp), which reduces huge
 // arguments exactly (reduce_pio2d.cpp).
 #pragma once
@@ -174,6 +175,7 @@ struct PiSteps<VD> {
     return _mm256_slli_epi64(_mm256_add_epi64(simd::bits(t), _mm256_set1_epi64x(add)), 63);
   }
   static VD flip(VD v, __m256i s) { return simd::from_bits_d(_mm256_xor_si256(simd::bits(v), s)); }
+  static VD from_bits(__m256i b) { return simd::from_bits_d(b); }
 };
 using VF = simd::Vec<float>;
 template <>
@@ -184,6 +186,7 @@ struct PiSteps<VF> {
     return _mm256_slli_epi32(_mm256_add_epi32(simd::bits(t), _mm256_set1_epi32(add)), 31);
   }
   static VF flip(VF v, __m256i s) { return simd::from_bits_f(_mm256_xor_si256(simd::bits(v), s)); }
+  static VF from_bits(__m256i b) { return simd::from_bits_f(b); }
 };
 
 template <bool kCos, int N, class V, class C>
@@ -207,6 +210,29 @@ template <bool kCos, int N, class V, class C>
   return S::flip(s, S::parity(t, kCos ? 1 : 0));
 }
 
+// Tan below HA: x = k pi/2 + r, tan r = r P(z) / Q(z) (rational fit), and
+// for odd k, tan x = -1/tan r = -Q / (r P): one division either way.
+template <int M, int N, class V, class C>
+[[gnu::always_inline]] inline V tan_rational(V x, const C* p, const C* q) {
+  using S = PiSteps<V>;
+  using E = decltype(S::kMagic);
+  const V magic = simd::broadcast(S::kMagic);
+  const V t = simd::fma(x, simd::broadcast(E(2 * S::kInv)), magic);
+  const V k = t - magic;
+  const V r = simd::fnma(k, simd::broadcast(E(S::kP3 / 2)),
+                         simd::fnma(k, simd::broadcast(E(S::kP2 / 2)), simd::fnma(k, simd::broadcast(E(S::kP1 / 2)), x)));
+  const V z = r * r;
+  V pk[M], qk[N];
+#pragma GCC unroll 8
+  for (int j = 0; j < M; ++j) pk[j] = simd::broadcast(static_cast<E>(p[j]));
+#pragma GCC unroll 8
+  for (int j = 0; j < N; ++j) qk[j] = simd::broadcast(static_cast<E>(q[j]));
+  const V num = r * poly::horner<M>(pk, z), den = poly::horner<N>(qk, z);
+  const __m256i odd = S::parity(t, 0);
+  const V m = S::from_bits(odd);
+  return S::flip(simd::select(m, num, den) / simd::select(m, den, num), odd);
+}
+
 // The policy of the four families; a family adds only its error name.
 template <TrigOut Out, class T, Acc A>
 struct TrigPolicy {
@@ -215,6 +241,7 @@ struct TrigPolicy {
   static constexpr bool kDouble = std::is_same_v<T, double>;
   static constexpr bool kByPi = Out == TrigOut::Sin || Out == TrigOut::Cos;
   static constexpr bool kCos = Out == TrigOut::Cos;
+  static constexpr bool kTan = Out == TrigOut::Tan;
 
   // Special: |x| >= 2^30, infinities, NaN, and |x| below 2^-27 (single:
   // 2^-12), where sin x = tan x = x and cos x = 1 after rounding and the
@@ -239,6 +266,9 @@ struct TrigPolicy {
     if constexpr (kByPi) {
       lo1 = sin_by_pi<kCos, 5>(lo, kSinPiSingleHA);
       hi1 = sin_by_pi<kCos, 5>(hi, kSinPiSingleHA);
+    } else if constexpr (kTan) {
+      lo1 = tan_rational<3, 3>(lo, kTanSingleHAP, kTanSingleHAQ);
+      hi1 = tan_rational<3, 3>(hi, kTanSingleHAP, kTanSingleHAQ);
     } else {
       evaluate<Out, T, A>(lo, lo1, lo2);
       evaluate<Out, T, A>(hi, hi1, hi2);
@@ -254,16 +284,25 @@ struct TrigPolicy {
           r1 = sin_by_pi<kCos, 9>(x, kSinPiDoubleLA);
         else
           r1 = sin_by_pi<kCos, 5>(x, kSinPiDoubleEP);
+      } else if constexpr (kTan && A != Acc::HA) {
+        if constexpr (A == Acc::LA)
+          r1 = tan_rational<4, 4>(x, kTanDoubleLAP, kTanDoubleLAQ);
+        else
+          r1 = tan_rational<3, 3>(x, kTanDoubleEPP, kTanDoubleEPQ);
       } else {
         evaluate<Out, T, A>(x, r1, r2);
       }
-    } else if constexpr (kByPi && A != Acc::HA) {
+    } else if constexpr ((kByPi || kTan) && A != Acc::HA) {
       // In float while every |x| < 2^12 (k < 1304: the float steps of pi keep
       // r within 2^-24 relative), else in double.
       const __m256 ax = _mm256_andnot_ps(_mm256_set1_ps(-0.0f), x.v);
       if (_mm256_movemask_ps(_mm256_cmp_ps(ax, _mm256_set1_ps(0x1p12f), _CMP_GE_OQ)) != 0)
         return halves(x, r1, r2);
-      if constexpr (A == Acc::LA)
+      if constexpr (kTan && A == Acc::LA)
+        r1 = tan_rational<3, 3>(x, kTanSingleLAP, kTanSingleLAQ);
+      else if constexpr (kTan)
+        r1 = tan_rational<2, 2>(x, kTanSingleEPP, kTanSingleEPQ);
+      else if constexpr (A == Acc::LA)
         r1 = sin_by_pi<kCos, 4>(x, kSinPiSingleLA);
       else
         r1 = sin_by_pi<kCos, 3>(x, kSinPiSingleEP);
