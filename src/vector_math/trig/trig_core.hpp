@@ -227,7 +227,9 @@ template <int M, int N, class V, class C>
   for (int j = 0; j < M; ++j) pk[j] = simd::broadcast(static_cast<E>(p[j]));
 #pragma GCC unroll 8
   for (int j = 0; j < N; ++j) qk[j] = simd::broadcast(static_cast<E>(q[j]));
-  const V num = r * poly::horner<M>(pk, z), den = poly::horner<N>(qk, z);
+  // r P(z) as r p0 + r z P'(z): one rounding where p0 = 1.
+  const V num = simd::fma(r * z, poly::horner<M - 1>(pk + 1, z), r * pk[0]);
+  const V den = poly::horner<N>(qk, z);
   const __m256i odd = S::parity(t, 0);
   const V m = S::from_bits(odd);
   return S::flip(simd::select(m, num, den) / simd::select(m, den, num), odd);
