@@ -109,16 +109,22 @@ def hexf(x):
     return mant.rstrip("0").rstrip(".") + "p" + exp + "f"
 
 
-def odd_set(name, n, single, purpose):
-    """sin r = r + r z S(z) on |r| <= R_PI, coefficients in double or float."""
+def odd_set(name, n, single, purpose, split=False):
+    """sin r = r + r z S(z) on |r| <= R_PI, coefficients in double or float;
+    with split, S(0) also gets its rounding error as a second double."""
     rnd, fmt, ctype = (f32, hexf, "float") if single else (d, hexd, "double")
-    cs = [rnd(v) for v in fit(g_sin, n, R_PI * R_PI)]
+    exact = fit(g_sin, n, R_PI * R_PI)
+    cs = [rnd(v) for v in exact]
+    lo = d(exact[0] - cs[0]) if split else mpf(0)
+    ce = [cs[0] + lo] + cs[1:]
     err = mpf(0)
     for i in range(1, 2001):
         r = R_PI * i / 2000
-        err = max(err, abs((r + r * r * r * horner(cs, r * r)) / sin(r) - 1))
+        err = max(err, abs((r + r * r * r * horner(ce, r * r)) / sin(r) - 1))
     out = [f"// {name}: {purpose}; error 2^{log2(err):.1f} relative."]
     out.append(f"constexpr {ctype} {name}[{n}] = {{{', '.join(fmt(v) for v in cs)}}};")
+    if split:
+        out.append(f"constexpr double {name}S0Lo = {hexd(lo)};")
     return "\n".join(out)
 
 
@@ -212,6 +218,7 @@ def main():
     print(f"constexpr float kPiF_2 = {hexf(fp2)};")
     print(f"constexpr float kPiF_3 = {hexf(fp3)};")
     print(f"constexpr float kInvPiF = {hexf(f32(1 / pi))};")
+    print(odd_set("kSinPiDoubleHA", 10, False, "double HA, S(0) in two parts", split=True))
     print(odd_set("kSinPiDoubleLA", 9, False, "double LA"))
     print(odd_set("kSinPiDoubleEP", 5, False, "double EP"))
     print(odd_set("kSinPiSingleHA", 5, False, "single HA, evaluated in double"))

@@ -210,6 +210,55 @@ template <bool kCos, int N, class V, class C>
   return S::flip(s, S::parity(t, kCos ? 1 : 0));
 }
 
+// Sin and Cos at HA by reduction modulo pi: r = rh + rl carried in two parts,
+// sin r = r + r z S(z) with r z S(0) formed exactly and added to rh in two
+// parts, so that only the last addition rounds noticeably (about 0.55 ulp).
+// Cos works on |x|, so that x - n P1 stays exact where n = 0.
+template <bool kCos>
+[[gnu::always_inline]] inline VD sin_by_pi_ha(VD x) {
+  using S = PiSteps<VD>;
+  const VD magic = simd::broadcast(S::kMagic);
+  if constexpr (kCos) x = simd::from_bits_d(_mm256_andnot_si256(simd::bits(simd::broadcast(-0.0)), simd::bits(x)));
+  const VD u = kCos ? simd::fms(x, simd::broadcast(S::kInv), simd::broadcast(0.5)) : x * simd::broadcast(S::kInv);
+  const VD t = u + magic;
+  const VD n = t - magic;
+  const VD m = kCos ? n + simd::broadcast(0.5) : n;  // x = m pi + r
+  const VD p2 = simd::broadcast(S::kP2), p3 = simd::broadcast(S::kP3);
+  // base = x - n P1 - (cos: P1/2), exactly, in two parts.
+  const VD a = simd::fnma(n, simd::broadcast(S::kP1), x);
+  dd::DD<VD> base{a, simd::broadcast(0.0)};
+  if constexpr (kCos) base = dd::two_sum(a, simd::broadcast(-kPio2_1));
+  // rh + rl = base - m P2 - m P3: base.hi - rh is exact while |m P2| <= |rh|/2,
+  // which holds for |rh| >= 2^-23 (m < 2^29); rarer vectors take the exact sums.
+  VD rh = simd::fnma(m, p2, base.hi);
+  VD rl = simd::fnma(m, p3, simd::fnma(m, p2, base.hi - rh) + base.lo);
+  const __m256d arh = _mm256_andnot_pd(_mm256_set1_pd(-0.0), rh.v);
+  if (_mm256_movemask_pd(_mm256_cmp_pd(arh, _mm256_set1_pd(0x1p-23), _CMP_LT_OQ)) != 0) [[unlikely]] {
+    const dd::DD<VD> mp2 = dd::two_prod(m, p2);
+    const dd::DD<VD> d = dd::two_sum(base.hi, simd::broadcast(0.0) - mp2.hi);
+    const dd::DD<VD> r = dd::fast_two_sum(d.hi, simd::fnma(m, p3, (d.lo - mp2.lo) + base.lo));
+    rh = r.hi, rl = r.lo;
+  }
+
+  const dd::DD<VD> z = dd::two_prod(rh, rh);
+  const dd::DD<VD> p = dd::two_prod(rh, z.hi);
+  const VD s0 = simd::broadcast(kSinPiDoubleHA[0]);
+  VD k[9];
+#pragma GCC unroll 9
+  for (int j = 0; j < 9; ++j) k[j] = simd::broadcast(kSinPiDoubleHA[j + 1]);
+  // rl cos rh, with cos rh ~ 1 - z/2 + z^2/24 (enough: rl is below ulp(rh)).
+  const VD cos_rh = simd::fma(z.hi, simd::fma(z.hi, simd::broadcast(1.0 / 24), simd::broadcast(-0.5)),
+                              simd::broadcast(1.0));
+  VD small = p.hi * z.hi * poly::horner<9>(k, z.hi);
+  small = simd::fma(simd::fma(rh, z.lo, p.lo), s0, small);
+  small = simd::fma(p.hi, simd::broadcast(kSinPiDoubleHAS0Lo), small);
+  small = simd::fma(rl, cos_rh, small);
+  const dd::DD<VD> lead = dd::two_prod(p.hi, s0);
+  const dd::DD<VD> sum = dd::fast_two_sum(rh, lead.hi);
+  const VD sv = sum.hi + (sum.lo + (lead.lo + small));
+  return S::flip(sv, S::parity(t, kCos ? 1 : 0));
+}
+
 // Tan below HA: x = k pi/2 + r, tan r = r P(z) / Q(z) (rational fit), and
 // for odd k, tan x = -1/tan r = -Q / (r P): one division either way.
 template <int M, int N, class V, class C>
@@ -281,7 +330,9 @@ struct TrigPolicy {
 
   [[gnu::always_inline]] static void both(simd::Vec<T> x, simd::Vec<T>& r1, simd::Vec<T>& r2) {
     if constexpr (kDouble) {
-      if constexpr (kByPi && A != Acc::HA) {
+      if constexpr (kByPi && A == Acc::HA) {
+        r1 = sin_by_pi_ha<kCos>(x);
+      } else if constexpr (kByPi) {
         if constexpr (A == Acc::LA)
           r1 = sin_by_pi<kCos, 9>(x, kSinPiDoubleLA);
         else
