@@ -67,7 +67,8 @@ TEST(TrigAccuracy, Sin) {
                {{"HA", oxa_vml_kernel_sSin_E9HAynn, Bound::ulps(1.0)},
                 {"LA", oxa_vml_kernel_sSin_E9LAynn, Bound::ulps(4.0)},
                 {"EP", oxa_vml_kernel_sSin_E9EPnnn, Bound::relative(kEpS)},
-                {"SinCosLA", one_of<float, oxa_vml_kernel_sSinCos_E9LAynn, 0>, Bound::ulps(4.0)}},
+                {"SinCosLA", one_of<float, oxa_vml_kernel_sSinCos_E9LAynn, 0>, Bound::ulps(4.0)},
+                {"SinCosEP", one_of<float, oxa_vml_kernel_sSinCos_E9EPnnn, 0>, Bound::relative(kEpS)}},
                mpfr_sin, FLT_MAX);
 }
 
@@ -83,6 +84,7 @@ TEST(TrigAccuracy, Cos) {
                 {"LA", oxa_vml_kernel_sCos_E9LAynn, Bound::ulps(4.0)},
                 {"EP", oxa_vml_kernel_sCos_E9EPnnn, Bound::relative(kEpS)},
                 {"SinCosHA", one_of<float, oxa_vml_kernel_sSinCos_E9HAynn, 1>, Bound::ulps(1.0)},
+                {"SinCosLA", one_of<float, oxa_vml_kernel_sSinCos_E9LAynn, 1>, Bound::ulps(4.0)},
                 {"SinCosEP", one_of<float, oxa_vml_kernel_sSinCos_E9EPnnn, 1>, Bound::relative(kEpS)}},
                mpfr_cos, FLT_MAX);
 }

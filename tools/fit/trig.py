@@ -161,6 +161,17 @@ def rational_set(name, m, n, single, purpose):
     return "\n".join(out)
 
 
+def float_pair(name, n_sin, n_cos, purpose):
+    """S and C on |r| <= R in floats, for the single-precision kernels that stay in float."""
+    cs = [f32(v) for v in fit(g_sin, n_sin)]
+    cc = [f32(v) for v in fit(g_cos, n_cos)]
+    es, ec = errors(cs, mpf(0), cc)
+    out = [f"// {name}: {purpose}; sin error 2^{log2(es):.1f}, cos error 2^{log2(ec):.1f} relative."]
+    out.append(f"constexpr float {name}Sin[{n_sin}] = {{{', '.join(hexf(v) for v in cs)}}};")
+    out.append(f"constexpr float {name}Cos[{n_cos}] = {{{', '.join(hexf(v) for v in cc)}}};")
+    return "\n".join(out)
+
+
 def two_over_pi_words(count):
     v = 2 / pi
     words = [0]  # one word of zeros in front: windows may start before the point
@@ -231,6 +242,10 @@ def main():
     print(rational_set("kTanSingleHA", 2, 2, False, "single HA, evaluated in double"))
     print(rational_set("kTanSingleLA", 2, 2, True, "single LA, in float"))
     print(rational_set("kTanSingleEP", 1, 1, True, "single EP, in float"))
+    print()
+    print("// Sine and cosine in float on |r| <= 0.786, for single SinCos below HA.")
+    print(float_pair("kSinCosSingleLA", 3, 3, "single LA"))
+    print(float_pair("kSinCosSingleEP", 2, 2, "single EP"))
 
 
 if __name__ == "__main__":

@@ -9,8 +9,8 @@
 //   Quadrant k mod 4 picks +-sin r or +-cos r; tan is sin/cos or -cos/sin.
 //   Sin and Cos below HA reduce by pi instead and need one odd polynomial
 //   (sin_by_pi); Tan below HA uses a rational tan r (tan_rational). Single
-//   precision runs in double on each half of the vector, except Sin, Cos and
-//   Tan below HA, which stay in float while |x| < 2^12.
+//   precision runs in double on each half of the vector, except below HA,
+//   where it stays in float while |x| < 2^12.
 // Everything else goes to trig_rare (trig_rare.cpp), which reduces huge
 // arguments exactly (reduce_pio2d.cpp).
 #pragma once
@@ -284,6 +284,33 @@ template <int M, int N, class V, class C>
   return S::flip(simd::select(m, num, den) / simd::select(m, den, num), odd);
 }
 
+// Single SinCos below HA, in float (|x| < 2^12): reduction by pi/2 and both
+// polynomials, as the double formula of sincos_1.
+template <int NS, int NC>
+[[gnu::always_inline]] inline void sincos_float(VF x, const float* sc, const float* cc, VF& sin_out, VF& cos_out) {
+  using S = PiSteps<VF>;
+  const VF magic = simd::broadcast(S::kMagic);
+  const VF t = simd::fma(x, simd::broadcast(2 * S::kInv), magic);
+  const VF k = t - magic;
+  const VF r = simd::fnma(k, simd::broadcast(S::kP3 / 2),
+                          simd::fnma(k, simd::broadcast(S::kP2 / 2), simd::fnma(k, simd::broadcast(S::kP1 / 2), x)));
+  const VF z = r * r;
+  VF ks[NS], kc[NC];
+#pragma GCC unroll 4
+  for (int j = 0; j < NS; ++j) ks[j] = simd::broadcast(sc[j]);
+#pragma GCC unroll 4
+  for (int j = 0; j < NC; ++j) kc[j] = simd::broadcast(cc[j]);
+  const VF s = simd::fma(r * z, poly::horner<NS>(ks, z), r);
+  const VF hz = simd::broadcast(0.5f) * z;
+  const VF w = simd::broadcast(1.0f) - hz;
+  const VF c = w + (((simd::broadcast(1.0f) - w) - hz) + z * z * poly::horner<NC>(kc, z));
+  const __m256i odd = S::parity(t, 0), odd1 = S::parity(t, 1);
+  const __m256i neg = _mm256_slli_epi32(_mm256_srli_epi32(simd::bits(t), 1), 31);
+  const __m256i neg1 = _mm256_slli_epi32(_mm256_srli_epi32(_mm256_add_epi32(simd::bits(t), _mm256_set1_epi32(1)), 1), 31);
+  sin_out = S::flip(simd::select(S::from_bits(odd), s, c), neg);
+  cos_out = S::flip(simd::select(S::from_bits(odd1), s, c), neg1);
+}
+
 // The policy of the four families; a family adds only its error name.
 template <TrigOut Out, class T, Acc A>
 struct TrigPolicy {
@@ -345,6 +372,14 @@ struct TrigPolicy {
       } else {
         evaluate<Out, T, A>(x, r1, r2);
       }
+    } else if constexpr (Out == TrigOut::SinCos && A != Acc::HA) {
+      const __m256 ax = _mm256_andnot_ps(_mm256_set1_ps(-0.0f), x.v);
+      if (_mm256_movemask_ps(_mm256_cmp_ps(ax, _mm256_set1_ps(0x1p12f), _CMP_GE_OQ)) != 0)
+        return halves(x, r1, r2);
+      if constexpr (A == Acc::LA)
+        sincos_float<3, 3>(x, kSinCosSingleLASin, kSinCosSingleLACos, r1, r2);
+      else
+        sincos_float<2, 2>(x, kSinCosSingleEPSin, kSinCosSingleEPCos, r1, r2);
     } else if constexpr ((kByPi || kTan) && A != Acc::HA) {
       // In float while every |x| < 2^12 (k < 1304: the float steps of pi keep
       // r within 2^-24 relative), else in double.
