@@ -77,6 +77,22 @@ template <const TrigPoly& P, class V>
   return {s, c};
 }
 
+// base - m (p2 + p3) in two parts, base being x - m P1 (exact) in two parts.
+// base.hi - rh is exact while |m p2| <= |rh|/2, which holds for |rh| >= 2^-23
+// when m < 2^29 and p2 < 2^-52; vectors with a smaller |rh| (arguments within
+// 2^-23 of a multiple of pi/2, rare) take the exact sums instead.
+[[gnu::always_inline]] inline dd::DD<VD> reduce_dd(VD m, dd::DD<VD> base, VD p2, VD p3) {
+  const VD rh = simd::fnma(m, p2, base.hi);
+  const VD rl = simd::fnma(m, p3, simd::fnma(m, p2, base.hi - rh) + base.lo);
+  const __m256d arh = _mm256_andnot_pd(_mm256_set1_pd(-0.0), rh.v);
+  if (_mm256_movemask_pd(_mm256_cmp_pd(arh, _mm256_set1_pd(0x1p-23), _CMP_LT_OQ)) != 0) [[unlikely]] {
+    const dd::DD<VD> mp2 = dd::two_prod(m, p2);
+    const dd::DD<VD> d = dd::two_sum(base.hi, simd::broadcast(0.0) - mp2.hi);
+    return dd::fast_two_sum(d.hi, simd::fnma(m, p3, (d.lo - mp2.lo) + base.lo));
+  }
+  return {rh, rl};
+}
+
 template <class V>
 struct SinCos1 {
   V s, c;
@@ -120,10 +136,7 @@ template <TrigOut Out, class T, Acc A>
   VD s, c, sl, cl;
   if constexpr (kTwoPart) {
     const VD r1 = simd::fnma(k, simd::broadcast(kPio2_1), x);  // exact
-    const dd::DD<VD> kp2 = dd::two_prod(k, simd::broadcast(kPio2_2));
-    const dd::DD<VD> d = dd::two_sum(r1, simd::broadcast(0.0) - kp2.hi);
-    const VD rest = simd::fnma(k, simd::broadcast(kPio2_3), d.lo - kp2.lo);
-    const dd::DD<VD> r = dd::fast_two_sum(d.hi, rest);
+    const dd::DD<VD> r = reduce_dd(k, {r1, simd::broadcast(0.0)}, simd::broadcast(kPio2_2), simd::broadcast(kPio2_3));
     const SinCosDD<VD> sc = sincos_dd<P>(r.hi, r.lo);
     s = sc.s.hi, sl = sc.s.lo, c = sc.c.hi, cl = sc.c.lo;
   } else {
@@ -154,7 +167,9 @@ template <TrigOut Out, class T, Acc A>
       // One correction step with the low parts: error about 0.5 ulp + 2^-55 rel.
       const VD num_lo = simd::select(odd, sl, cl), den_lo = simd::select(odd, cl, sl);
       const VD e = simd::fnma(quot, den, num) + simd::fnma(quot, den_lo, num_lo);
-      quot = quot + e / den;
+      // The correction needs only a few bits of 1/den: a float reciprocal.
+      const VD inv{_mm256_cvtps_pd(_mm_rcp_ps(_mm256_cvtpd_ps(den.v)))};
+      quot = simd::fma(e, inv, quot);
     }
     o1 = flip(quot, _mm256_slli_epi64(q, 63));
   }
@@ -223,22 +238,12 @@ template <bool kCos>
   const VD t = u + magic;
   const VD n = t - magic;
   const VD m = kCos ? n + simd::broadcast(0.5) : n;  // x = m pi + r
-  const VD p2 = simd::broadcast(S::kP2), p3 = simd::broadcast(S::kP3);
   // base = x - n P1 - (cos: P1/2), exactly, in two parts.
   const VD a = simd::fnma(n, simd::broadcast(S::kP1), x);
   dd::DD<VD> base{a, simd::broadcast(0.0)};
   if constexpr (kCos) base = dd::two_sum(a, simd::broadcast(-kPio2_1));
-  // rh + rl = base - m P2 - m P3: base.hi - rh is exact while |m P2| <= |rh|/2,
-  // which holds for |rh| >= 2^-23 (m < 2^29); rarer vectors take the exact sums.
-  VD rh = simd::fnma(m, p2, base.hi);
-  VD rl = simd::fnma(m, p3, simd::fnma(m, p2, base.hi - rh) + base.lo);
-  const __m256d arh = _mm256_andnot_pd(_mm256_set1_pd(-0.0), rh.v);
-  if (_mm256_movemask_pd(_mm256_cmp_pd(arh, _mm256_set1_pd(0x1p-23), _CMP_LT_OQ)) != 0) [[unlikely]] {
-    const dd::DD<VD> mp2 = dd::two_prod(m, p2);
-    const dd::DD<VD> d = dd::two_sum(base.hi, simd::broadcast(0.0) - mp2.hi);
-    const dd::DD<VD> r = dd::fast_two_sum(d.hi, simd::fnma(m, p3, (d.lo - mp2.lo) + base.lo));
-    rh = r.hi, rl = r.lo;
-  }
+  const dd::DD<VD> r = reduce_dd(m, base, simd::broadcast(S::kP2), simd::broadcast(S::kP3));
+  const VD rh = r.hi, rl = r.lo;
 
   const dd::DD<VD> z = dd::two_prod(rh, rh);
   const dd::DD<VD> p = dd::two_prod(rh, z.hi);
