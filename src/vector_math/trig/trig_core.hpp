@@ -204,15 +204,24 @@ struct PiSteps<VF> {
   static VF from_bits(__m256i b) { return simd::from_bits_f(b); }
 };
 
+// t = magic + n, n the nearest integer to x/pi (cos: to x/pi - 1/2); the low
+// bits of t hold n for the sign.
+template <bool kCos, class V>
+[[gnu::always_inline]] inline V round_by_pi(V x) {
+  using S = PiSteps<V>;
+  using E = decltype(S::kMagic);
+  if constexpr (kCos)
+    return simd::fms(x, simd::broadcast(S::kInv), simd::broadcast(E(0.5))) + simd::broadcast(S::kMagic);
+  else
+    return simd::fma(x, simd::broadcast(S::kInv), simd::broadcast(S::kMagic));
+}
+
 template <bool kCos, int N, class V, class C>
 [[gnu::always_inline]] inline V sin_by_pi(V x, const C* coef) {
   using S = PiSteps<V>;
   using E = decltype(S::kMagic);
-  const V magic = simd::broadcast(S::kMagic);
-  const V u = kCos ? simd::fms(x, simd::broadcast(S::kInv), simd::broadcast(E(0.5)))
-                   : x * simd::broadcast(S::kInv);
-  const V t = u + magic;
-  V n = t - magic;
+  const V t = round_by_pi<kCos>(x);
+  V n = t - simd::broadcast(S::kMagic);
   if constexpr (kCos) n = n + simd::broadcast(E(0.5));
   // x - n P1 is exact; the later steps round once each.
   const V r = simd::fnma(n, simd::broadcast(S::kP3),
@@ -232,11 +241,9 @@ template <bool kCos, int N, class V, class C>
 template <bool kCos>
 [[gnu::always_inline]] inline VD sin_by_pi_ha(VD x) {
   using S = PiSteps<VD>;
-  const VD magic = simd::broadcast(S::kMagic);
   if constexpr (kCos) x = simd::from_bits_d(_mm256_andnot_si256(simd::bits(simd::broadcast(-0.0)), simd::bits(x)));
-  const VD u = kCos ? simd::fms(x, simd::broadcast(S::kInv), simd::broadcast(0.5)) : x * simd::broadcast(S::kInv);
-  const VD t = u + magic;
-  const VD n = t - magic;
+  const VD t = round_by_pi<kCos>(x);
+  const VD n = t - simd::broadcast(S::kMagic);
   const VD m = kCos ? n + simd::broadcast(0.5) : n;  // x = m pi + r
   // base = x - n P1 - (cos: P1/2), exactly, in two parts.
   const VD a = simd::fnma(n, simd::broadcast(S::kP1), x);
