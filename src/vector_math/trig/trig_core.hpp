@@ -1,16 +1,17 @@
 // The common evaluation of the Sin, Cos, SinCos and Tan kernels, and the
 // kernel policy the four families share.
 //
-// Vector formula, for 2^-27 <= |x| < 2^30 (single: 2^-12 <= |x| < 2^30):
-//   k = nearest integer to x * 2/pi, r = x - k pi/2 with pi/2 = P1 + P2 + P3;
-//   x - k P1 is exact (fma), so r keeps full relative precision even where x
-//   is close to a multiple of pi/2 (|r| >= 2^-61 for every double).
-//   HA carries r, sin r and cos r as double-doubles; LA and EP carry doubles.
-//   Quadrant k mod 4 picks +-sin r or +-cos r; tan is sin/cos or -cos/sin.
-//   Sin and Cos below HA reduce by pi instead and need one odd polynomial
-//   (sin_by_pi); Tan below HA uses a rational tan r (tan_rational). Single
-//   precision runs in double on each half of the vector, except below HA,
-//   where it stays in float while |x| < 2^12.
+// Vector formulas, for 2^-27 <= |x| < 2^30 (single: 2^-12 <= |x| < 2^30):
+//   * by pi/2 (evaluate): k = nearest integer to x 2/pi, r = x - k pi/2 with
+//     pi/2 = P1 + P2 + P3; x - k P1 is exact (fma), so r keeps full relative
+//     precision where x is close to a multiple of pi/2 (|r| >= 2^-61 for every
+//     double). Quadrant k mod 4 picks +-sin r or +-cos r; tan is sin/cos or
+//     -cos/sin. SinCos at every level, Tan at HA; HA carries r, sin r and
+//     cos r in two parts.
+//   * by pi (sin_by_pi, sin_by_pi_ha): Sin and Cos, one odd polynomial.
+//   * rational (tan_rational): Tan below HA, one division.
+//   Single HA runs in double on each half of the vector; single LA and EP stay
+//   in float while every |x| < 2^12, else run in double.
 // Everything else goes to trig_rare (trig_rare.cpp), which reduces huge
 // arguments exactly (reduce_pio2d.cpp).
 #pragma once
@@ -54,7 +55,7 @@ struct SinCosDD {
 };
 
 // sin and cos of r = rh + rl (|rl| <= ulp(rh)/2) as double-doubles; relative
-// error about 2^-60, so that the rounded heads are within 0.52 ulp.
+// error about 2^-58, so that the rounded heads are within about 0.6 ulp.
 template <const TrigPoly& P, class V>
 [[gnu::always_inline]] inline SinCosDD<V> sincos_dd(V rh, V rl) {
   const dd::DD<V> z = dd::two_prod(rh, rh);
