@@ -3,7 +3,7 @@
 //   x - n P1 exact by fma, pi in three parts. HA carries r in two parts and
 //   forms r z S(0) exactly; single HA runs in double, single LA/EP in float
 //   while |a| < 2^12 (trig/trig_core.hpp).
-// Accuracy: d HA 0.73 ulp, LA 1.7 ulp, EP 2^-33 rel; s HA 0.50 ulp, LA 1.8 ulp,
+// Accuracy: d HA 0.82 ulp, LA 1.9 ulp, EP 2^-33 rel; s HA 0.50 ulp, LA 2.2 ulp,
 //   EP 2^-17.6 rel (measured by tests/vector_math/trig_accuracy).
 // Special: +-inf -> NaN, status 1; NaN -> NaN quietly; |a| < 2^-27 (s: 2^-12)
 //   -> a, signed zeros kept; |a| >= 2^30 reduced exactly (trig/reduce_pio2d.cpp)
