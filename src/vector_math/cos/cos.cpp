@@ -1,12 +1,12 @@
 // Cos: r = cos(a).
-// Method: k = round(a 2/pi), r = a - k pi/2 by a three-part pi/2 with an exact
-//   first step; sin and cos polynomials in r^2 on |r| <= 0.786, quadrant k mod 4
-//   (plus one) picks +-cos r or +-sin r (trig/trig_core.hpp). HA carries r and the result
-//   in double-double; single precision is evaluated in double.
-// Accuracy: d HA 0.51 ulp, LA 0.8 ulp, EP 2^-35 rel; s HA, LA 0.5 ulp, EP 2^-17
-//   rel (measured by tests/vector_math/trig_accuracy).
-// Special: +-inf -> NaN, status 1; NaN -> NaN quietly; +-0 -> 1; |a| >= 2^30
-//   reduced exactly (trig/reduce_pio2d.cpp) and evaluated as HA in every level.
+// Method: |a| = (n + 1/2) pi + r, |r| <= pi/2, cos a = -(-1)^n sin r with the
+//   sine of Sin (trig/trig_core.hpp); HA forms |a| - n P1 - P1/2 exactly in
+//   two parts.
+// Accuracy: d HA 0.82 ulp, LA 1.9 ulp, EP 2^-33 rel; s HA 0.50 ulp, LA 2.7 ulp,
+//   EP 2^-17.6 rel (measured by tests/vector_math/trig_accuracy).
+// Special: +-inf -> NaN, status 1; NaN -> NaN quietly; |a| < 2^-27 (s: 2^-12)
+//   -> 1; |a| >= 2^30 reduced exactly (trig/reduce_pio2d.cpp) and evaluated as
+//   HA in every level (trig/trig_rare.cpp).
 // Tables: trig/trig_tables.inc, made by tools/fit/trig.py.
 #include "vector_math/frame/kernel_frame.hpp"
 #include "vector_math/trig/trig_core.hpp"

@@ -96,7 +96,7 @@ struct In1Out1 {
     return {load_group(a + i, g, P::kSafeInput)};
   }
   static V<T> special(const Lanes& x) { return P::special(x.a); }
-  void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
+  [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
     const V<T> y = P::vector(simd::select(mask, x.a, simd::broadcast(P::kSafeInput)));
     store_group(r + i, y, g);
   }
@@ -115,7 +115,7 @@ struct In2Out1 {
     return {load_group(a + i, g, P::kSafeInput), load_group(b + i, g, P::kSafeInput2)};
   }
   static V<T> special(const Lanes& x) { return P::special(x.a, x.b); }
-  void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
+  [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
     const V<T> y = P::vector(simd::select(mask, x.a, simd::broadcast(P::kSafeInput)),
                              simd::select(mask, x.b, simd::broadcast(P::kSafeInput2)));
     store_group(r + i, y, g);
@@ -138,7 +138,7 @@ struct In1ScalarOut1 {
     return {load_group(a + i, g, P::kSafeInput)};
   }
   V<T> special(const Lanes& x) const { return P::special(x.a, simd::broadcast(b)); }
-  void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
+  [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
     const V<T> y = P::vector(simd::select(mask, x.a, simd::broadcast(P::kSafeInput)), simd::broadcast(b));
     store_group(r + i, y, g);
   }
@@ -158,7 +158,7 @@ struct In1Out2 {
     return {load_group(a + i, g, P::kSafeInput)};
   }
   static V<T> special(const Lanes& x) { return P::special(x.a); }
-  void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
+  [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
     V<T> y1, y2;
     P::vector(simd::select(mask, x.a, simd::broadcast(P::kSafeInput)), y1, y2);
     store_group(r1 + i, y1, g);

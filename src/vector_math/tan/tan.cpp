@@ -1,13 +1,15 @@
 // Tan: r = tan(a).
-// Method: reduction as Sin (trig/trig_core.hpp); tan = sin r / cos r for even
-//   k, -cos r / sin r for odd k. HA divides the double-double sine and cosine
-//   and corrects the quotient with the division's exact residual.
-// Accuracy: d HA 0.53 ulp, LA 1.6 ulp, EP 2^-35 rel; s HA, LA 0.5 ulp, EP 2^-17
-//   rel (measured by tests/vector_math/trig_accuracy).
-// Special: +-inf -> NaN, status 1; NaN -> NaN quietly; +-0 -> +-0; |a| >= 2^30
-//   reduced exactly (trig/reduce_pio2d.cpp) and evaluated as HA in every level.
-//   The scalar routines oxa_vml_kernel_<t>Tan_SC_<level> settle those lanes and
-//   report under the names "dTan_HA", "dTan_LA", "dTan_A11" (EP) and the s ones.
+// Method: a = k pi/2 + r, |r| <= pi/4 (trig/trig_core.hpp). HA divides the
+//   two-part sine by the two-part cosine (odd k: -cos/sin) and corrects the
+//   quotient with the division's exact residual; LA and EP use a rational
+//   tan r = r P(z)/Q(z), odd k -Q/(r P), single LA/EP in float while |a| < 2^12.
+// Accuracy: d HA 0.66 ulp, LA 3.0 ulp, EP 2^-35 rel; s HA 0.50 ulp, LA 2.7 ulp,
+//   EP 2^-17 rel (measured by tests/vector_math/trig_accuracy).
+// Special: +-inf -> NaN, status 1; NaN -> NaN quietly; |a| < 2^-27 (s: 2^-12)
+//   -> a, signed zeros kept; |a| >= 2^30 reduced exactly (trig/reduce_pio2d.cpp)
+//   and evaluated as HA in every level. The scalar routines
+//   oxa_vml_kernel_<t>Tan_SC_<level> settle those lanes; the kernels report
+//   under the names "dTan_HA", "dTan_LA", "dTan_A11" (EP) and the s ones.
 // Tables: trig/trig_tables.inc, made by tools/fit/trig.py.
 #include "vector_math/frame/kernel_frame.hpp"
 #include "vector_math/trig/trig_core.hpp"
