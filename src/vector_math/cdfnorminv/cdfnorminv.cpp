@@ -35,7 +35,7 @@ template <const Layout& L>
   const VD y = simd::select(below_half, two - x2, x2);
   // x = 1/2 gives y = 1, evaluated at the bottom of row 0: the factor 2x - 1
   // = 0 makes the result +0 all the same.
-  const dd::DD<VD> R = norm_rows::evaluate<L, false>(y);
+  const dd::DD<VD> R = norm_rows::evaluate<L>(y);
   if constexpr (!L.split) {
     return R.hi * (x2 - one);  // 2x - 1 rounds for x < 1/4: at most 0.5 ulp more
   } else {

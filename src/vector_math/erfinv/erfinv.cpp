@@ -38,9 +38,10 @@ constexpr double kRootHalfLo = -0x1.bdd3413b26456p-55;
 template <const Layout& L, Acc A>
 [[gnu::always_inline]] inline VD bulk(VD x) {
   const VD ax{_mm256_andnot_pd(_mm256_set1_pd(-0.0), x.v)};
-  const VD y = simd::broadcast(1.0) - ax;
-  // |x| < 2^-54 rounds y to 1, which must read R(1), the top of row 0.
-  const dd::DD<VD> R = norm_rows::evaluate<L, true>(y);
+  // |x| < 2^-54 rounds y to 1, past the top of row 0; the largest double
+  // below 1 stands in for it, as R is flat there (R'(1) = 0).
+  const VD y{_mm256_min_pd((simd::broadcast(1.0) - ax).v, _mm256_set1_pd(0x1.fffffffffffffp-1))};
+  const dd::DD<VD> R = norm_rows::evaluate<L>(y);
   if constexpr (!L.split) {
     return R.hi * (x * simd::broadcast(kRootHalfHi));
   } else if constexpr (A == Acc::LA) {
@@ -102,8 +103,8 @@ struct Policy<fam::ErfInv, T, A> {
   // |x| >= 1, infinities and NaN: the magnitude bits at or above those of 1.
   static simd::Vec<T> special(simd::Vec<T> x) {
     if constexpr (kDouble) {
-      const __m128i h = _mm_and_si128(simd::high_words(x), _mm_set1_epi32(0x7FFFFFFF));
-      return simd::widen_mask(_mm_cmpgt_epi32(h, _mm_set1_epi32(0x3FEFFFFF)));
+      const __m256i h = _mm256_and_si256(simd::bits(x), _mm256_set1_epi64x(0x7FFFFFFFFFFFFFFF));
+      return simd::from_bits_d(_mm256_cmpgt_epi64(h, _mm256_set1_epi64x(0x3FEFFFFFFFFFFFFF)));
     } else {
       const __m256i h = _mm256_and_si256(simd::bits(x), _mm256_set1_epi32(0x7FFFFFFF));
       return simd::from_bits_f(_mm256_cmpgt_epi32(h, _mm256_set1_epi32(0x3F7FFFFF)));

@@ -2,8 +2,9 @@
 // Method: no division. The processor's 12-bit estimate of 1/sqrt(x) (double:
 //   of the float nearest x, or of x's significand for HA and LA) corrected
 //   through its residual e = 1 - x y^2 by the series of (1 - e)^(-1/2)
-//   (invsqrt/rsqrt_core.hpp). HA and LA end with a step whose residual is
-//   exact, so the result is within 0.5 ulp plus a small truncation error; EP
+//   (invsqrt/rsqrt_core.hpp). In HA and LA the estimate's square is exact,
+//   so the residual is too, and the result is within 0.5 ulp plus a tiny
+//   truncation error; EP
 //   stops at a relative error below 2^-32 (double) or takes the estimate as
 //   it stands (float).
 // Accuracy: HA and LA d 0.50 ulp, s 0.50 ulp; EP d 2^-32 rel, s 2^-11.4 rel
