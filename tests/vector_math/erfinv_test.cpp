@@ -1,6 +1,6 @@
 // Behaviour of the inverse error function kernels: special values and
-// statuses in every position, odd symmetry, the approach to +-1, the
-// denormal field of the mode, and the catalogue rows.
+// statuses in every position, odd symmetry, the approach to +-1 and the
+// denormal field of the mode.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "oxa/vector_math.h"
-#include "vector_math/catalogue_rows.hpp"
 #include "vector_math/special_harness.hpp"
 
 namespace {
@@ -93,17 +92,6 @@ TEST(ErfInv, DenormalFieldOfTheMode) {
     EXPECT_EQ(flush[2], keep[2]) << k.name;
     EXPECT_EQ(flush[3], keep[3]) << k.name;
   }
-}
-
-TEST(ErfInv, CatalogueRows) {
-  oxa::test::check_row<double>({"dErfInv", oxa_vml_kernel_dErfInv_ttab, oxa_vml_kernel_dErfInv_E9LAynn,
-                                oxa_vml_kernel_dErfInv_E9HAynn, oxa_vml_kernel_dErfInv_E9EPnnn, _vmldErfInv,
-                                _vmldErfInv_HA, _vmldErfInv_50, _vmldErfInv_26},
-                               {0.1, -0.7, 0.999, 1e-20, 0.5});
-  oxa::test::check_row<float>({"sErfInv", oxa_vml_kernel_sErfInv_ttab, oxa_vml_kernel_sErfInv_E9LAynn,
-                               oxa_vml_kernel_sErfInv_E9HAynn, oxa_vml_kernel_sErfInv_E9EPnnn, _vmlsErfInv,
-                               _vmlsErfInv_HA, _vmlsErfInv_21, _vmlsErfInv_11},
-                              {0.1f, -0.7f, 0.999f, 1e-20f, 0.5f});
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // Behaviour of the square-root and reciprocal-square-root kernels: special
 // values and statuses in every position, the scaled ranges of the scalar
-// routine, the denormal field of the mode, and the catalogue rows.
+// routine and the denormal field of the mode.
 #include <gtest/gtest.h>
 
 #include <cfloat>
@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "oxa/vector_math.h"
-#include "vector_math/catalogue_rows.hpp"
 #include "vector_math/special_harness.hpp"
 
 namespace {
@@ -115,23 +114,6 @@ TEST(Sqrt, DenormalFieldOfTheMode) {
   }
   oxa_vml_kernel_SetMode(saved);
   oxa_vml_kernel_SetMode(OXA_VML_DENORMAL_KEEP);
-}
-
-TEST(Sqrt, CatalogueRows) {
-  const std::vector<double> d = {0.25, 2.0, 1e300, 3e-310, 7.0};
-  const std::vector<float> s = {0.25f, 2.0f, 1e30f, 3e-40f, 7.0f};
-  oxa::test::check_row<double>({"dSqrt", oxa_vml_kernel_dSqrt_ttab, oxa_vml_kernel_dSqrt_E9LAynn,
-                                oxa_vml_kernel_dSqrt_E9HAynn, oxa_vml_kernel_dSqrt_E9EPnnn, _vmldSqrt,
-                                _vmldSqrt_HA, _vmldSqrt_50, _vmldSqrt_26}, d);
-  oxa::test::check_row<float>({"sSqrt", oxa_vml_kernel_sSqrt_ttab, oxa_vml_kernel_sSqrt_E9LAynn,
-                               oxa_vml_kernel_sSqrt_E9HAynn, oxa_vml_kernel_sSqrt_E9EPnnn, _vmlsSqrt,
-                               _vmlsSqrt_HA, _vmlsSqrt_21, _vmlsSqrt_11}, s);
-  oxa::test::check_row<double>({"dInvSqrt", oxa_vml_kernel_dInvSqrt_ttab, oxa_vml_kernel_dInvSqrt_E9LAynn,
-                                oxa_vml_kernel_dInvSqrt_E9HAynn, oxa_vml_kernel_dInvSqrt_E9EPnnn, _vmldInvSqrt,
-                                _vmldInvSqrt_HA, _vmldInvSqrt_50, _vmldInvSqrt_26}, d);
-  oxa::test::check_row<float>({"sInvSqrt", oxa_vml_kernel_sInvSqrt_ttab, oxa_vml_kernel_sInvSqrt_E9LAynn,
-                               oxa_vml_kernel_sInvSqrt_E9HAynn, oxa_vml_kernel_sInvSqrt_E9EPnnn, _vmlsInvSqrt,
-                               _vmlsInvSqrt_HA, _vmlsInvSqrt_21, _vmlsInvSqrt_11}, s);
 }
 
 }  // namespace

@@ -20,6 +20,7 @@
 #include "vector_math/cdfnorminv/cdfnorminv_rows.hpp"
 #include "vector_math/frame/dd.hpp"
 #include "vector_math/frame/kernel_frame.hpp"
+#include "vector_math/frame/opaque.hpp"
 
 namespace oxa::vml {
 namespace {
@@ -35,7 +36,7 @@ template <const Layout& L>
   const VD y = simd::select(below_half, two - x2, x2);
   // x = 1/2 gives y = 1, evaluated at the bottom of row 0: the factor 2x - 1
   // = 0 makes the result +0 all the same.
-  const dd::DD<VD> R = norm_rows::evaluate<L, false>(y);
+  const dd::DD<VD> R = norm_rows::evaluate<L>(y);
   if constexpr (!L.split) {
     return R.hi * (x2 - one);  // 2x - 1 rounds for x < 1/4: at most 0.5 ulp more
   } else {
@@ -43,13 +44,6 @@ template <const Layout& L>
     const dd::DD<VD> d = dd::fast_two_sum(simd::broadcast(-1.0), x2);
     return simd::fma(R.hi, d.hi, simd::fma(R.hi, d.lo, R.lo * d.hi));
   }
-}
-
-// Values the optimiser must not fold, so that 1/0 and inf*0 happen at run time
-// and raise the processor's flags.
-inline double opaque(double v) {
-  asm("" : "+x"(v));
-  return v;
 }
 
 // Classification on h: the high word (double, with bit 0 set when the low

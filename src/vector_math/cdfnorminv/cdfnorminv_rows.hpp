@@ -65,12 +65,11 @@ constexpr const Layout& layout() {
 
 using VD = simd::Vec<double>;
 
-// R(y) as hi + lo for four y in (0, 1] within the layout's rows; lo is the
-// extra precision of the split (HA) rows, and R = hi alone otherwise.
-// y = 1 lies just past the top of row 0. kAtOne = false evaluates row 0 at
-// its lower end there (harmless where the caller's factor vanishes at y = 1);
-// kAtOne = true evaluates it at its upper end, which is R(1).
-template <const Layout& L, bool kAtOne>
+// R(y) as hi + lo for four y in (0, 1) within the layout's rows; lo is the
+// extra precision of the split (HA) rows, and R = hi alone otherwise. y = 1
+// lies just past the top of row 0 and reads row 0 at its lower end: callers
+// either have a factor that vanishes there or move y below 1.
+template <const Layout& L>
 [[gnu::always_inline]] inline dd::DD<VD> evaluate(VD y) {
   const VD one = simd::broadcast(1.0);
   __m128i k = _mm_sub_epi32(_mm_set1_epi32(L.base), _mm_srli_epi32(simd::high_words(y), L.shift));
@@ -80,11 +79,7 @@ template <const Layout& L, bool kAtOne>
   // t = (significand bits below the index, under the exponent of 1.0) - centre.
   const __m256i keep = _mm256_set1_epi64x((int64_t{1} << (32 + L.shift)) - 1);
   const VD m = simd::from_bits_d(_mm256_or_si256(_mm256_and_si256(simd::bits(y), keep), simd::bits(one)));
-  VD t = m - simd::broadcast(L.constants()[kCentre]);
-  if constexpr (kAtOne) {
-    const VD top = simd::broadcast(L.constants()[kCentre] - 1.0);  // row 0 spans centre -+ (centre - 1)
-    t = simd::select(VD{_mm256_cmp_pd(y.v, one.v, _CMP_GE_OQ)}, t, top);
-  }
+  const VD t = m - simd::broadcast(L.constants()[kCentre]);
 
   constexpr int kPadded = (L.row_length + 3) / 4 * 4;
   VD c[kPadded];

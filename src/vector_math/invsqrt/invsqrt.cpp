@@ -1,23 +1,25 @@
 // InvSqrt: r = 1/sqrt(a).
-// Method: no division. An estimate of 1/sqrt(x) (double: from the bit
-//   pattern; float: the processor's 12-bit estimate) corrected through its
-//   residual e = 1 - x y^2 by the series of (1 - e)^(-1/2)
-//   (invsqrt/rsqrt_core.hpp). HA and LA end with a step whose residual is
-//   exact, so the result is within 0.5 ulp plus a small truncation error; EP
-//   stops at a relative error below 2^-28 (double) or takes the estimate as it
-//   stands (float).
-// Accuracy: HA and LA d 0.50 ulp, s 0.53 ulp; EP d 2^-28.9 rel, s 2^-11.4 rel
+// Method: no division. The processor's 12-bit estimate of 1/sqrt(x) (double:
+//   of the float nearest x, or of x's significand for HA and LA) corrected
+//   through its residual e = 1 - x y^2 by the series of (1 - e)^(-1/2)
+//   (invsqrt/rsqrt_core.hpp). In HA and LA the estimate's square is exact,
+//   so the residual is too, and the result is within 0.5 ulp plus a tiny
+//   truncation error; EP
+//   stops at a relative error below 2^-32 (double) or takes the estimate as
+//   it stands (float).
+// Accuracy: HA and LA d 0.50 ulp, s 0.51 ulp; EP d 2^-34.6 rel, s 2^-11.9 rel
 //   (measured by tests/vector_math/invsqrt_accuracy).
 // Special: +-0 -> +-inf, status 2; a < 0 (including -inf) -> NaN, status 1;
-//   +inf -> +0; NaN -> NaN quietly. Subnormal and very large inputs (double
-//   >= 2^1022, float >= 2^125) are scaled by an even power of two in the
-//   scalar routine; subnormal inputs count as zero when the mode flushes
-//   denormals.
+//   +inf -> +0; NaN -> NaN quietly. Inputs outside the fast range (subnormal;
+//   float >= 2^125; for double EP outside [2^-126, 2^126)) are scaled by an
+//   even power of two in the scalar routine; subnormal inputs count as zero
+//   when the mode flushes denormals.
 #include <cstdint>
 #include <limits>
 #include <type_traits>
 
 #include "vector_math/frame/kernel_frame.hpp"
+#include "vector_math/frame/opaque.hpp"
 #include "vector_math/invsqrt/rsqrt_core.hpp"
 
 namespace oxa::vml {
@@ -29,13 +31,6 @@ namespace {
 
 template <class T>
 using V = simd::Vec<T>;
-
-// Values the optimiser must not fold, so that 1/0 and inf*0 raise the flags.
-template <class T>
-inline T opaque(T v) {
-  asm("" : "+x"(v));
-  return v;
-}
 
 // One element outside the fast range.
 template <class T>
@@ -78,7 +73,12 @@ struct Policy<fam::InvSqrt, T, A> {
   static constexpr bool kSetsControlWord = true;
   static constexpr T kSafeInput = T(1);
 
-  static V<T> special(V<T> x) { return rsqrt::outside<T>(x, rsqrt::kLow<T>, rsqrt::kHigh<T>); }
+  static V<T> special(V<T> x) {
+    if constexpr (A == Acc::EP)
+      return rsqrt::outside<T>(x, rsqrt::kFastLow<T>, rsqrt::kFastHigh<T>);
+    else
+      return rsqrt::outside<T>(x, rsqrt::kAccurateLow<T>, rsqrt::kAccurateHigh<T>);
+  }
 
   [[gnu::always_inline]] static V<T> vector(V<T> x) {
     if constexpr (A == Acc::EP)

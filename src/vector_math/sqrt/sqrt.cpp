@@ -1,13 +1,14 @@
 // Sqrt: r = sqrt(a).
 // Method: HA and LA use the processor's correctly rounded square root. EP
-//   multiplies x by the fast reciprocal square root (invsqrt/rsqrt_core.hpp):
-//   double from a bit-pattern start and one sixth-order correction, float the
-//   processor's 12-bit estimate, so the divider is not used.
-// Accuracy: HA and LA 0.5 ulp (correctly rounded); EP d 2^-28.9 rel, s 2^-11.4
-//   rel (measured by tests/vector_math/sqrt_accuracy).
+//   avoids the divider: x times the processor's 12-bit reciprocal-root
+//   estimate, which double corrects by the series of its residual
+//   (invsqrt/rsqrt_core.hpp).
+// Accuracy: HA and LA 0.5 ulp (correctly rounded); EP d 2^-34.5 rel,
+//   s 2^-11.9 rel (measured by tests/vector_math/sqrt_accuracy).
 // Special: a < 0 (including -inf) -> NaN, status 1; +-0 -> +-0; +inf -> +inf;
 //   NaN -> NaN quietly. EP settles zeros, subnormals, infinities and (double)
-//   a >= 2^1022 in the scalar routine, with the correctly rounded root.
+//   a outside [2^-126, 2^126) in the scalar routine, with the correctly
+//   rounded root.
 //   Denormal inputs count as zero when the mode flushes denormals.
 #include <immintrin.h>
 
@@ -54,8 +55,8 @@ struct Policy<fam::Sqrt, T, A> {
   static constexpr T kSafeInput = T(1);
 
   // HA, LA: only negative numbers (an ordered compare: -0 and NaN pass).
-  // EP: everything but positive normal numbers in the reciprocal's range
-  // (float: all of them, as x * y needs no square).
+  // EP: everything but the positive normal numbers of the float range
+  // (double: also those at or above 2^126, for the residual's sake).
   static V<T> special(V<T> x) {
     if constexpr (A != Acc::EP) {
       if constexpr (kDouble)
@@ -63,7 +64,7 @@ struct Policy<fam::Sqrt, T, A> {
       else
         return {_mm256_cmp_ps(x.v, _mm256_setzero_ps(), _CMP_LT_OQ)};
     } else {
-      return rsqrt::outside<T>(x, rsqrt::kLow<T>, kDouble ? rsqrt::kHigh<T> : 0x7F800000u);
+      return rsqrt::outside<T>(x, rsqrt::kFastLow<T>, kDouble ? rsqrt::kFastHigh<T> : 0x7F800000u);
     }
   }
 
@@ -71,7 +72,7 @@ struct Policy<fam::Sqrt, T, A> {
     if constexpr (A != Acc::EP)
       return hw_sqrt(x);
     else
-      return x * rsqrt::fast<T>(x);
+      return rsqrt::fast<T, true>(x);
   }
 
   static int32_t scalar(const T* a, T* r) { return sqrt_cout_rare<T>(a, r); }
