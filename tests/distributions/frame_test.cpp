@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <thread>
 #include <vector>
 
 #include "distributions/callbacks.hpp"
@@ -227,6 +228,29 @@ TEST(Generators, RejectParametersOutsideTheirDomain) {
   for (double p : {0.0, -0.5, 1.5, std::nan("")})
     EXPECT_EQ(_vsliRngGeometric(0, fake.get(), 4, i, p), VSL_ERROR_BAD_ARGUMENT) << p;
   EXPECT_TRUE(script().requests.empty()) << "rejected calls draw nothing";
+}
+
+// Threads with their own streams and modes generate at once: each keeps its
+// mode and gets the values a lone run gives.
+TEST(Generators, ThreadsDoNotShareTheFrame) {
+  auto work = [](uint32_t mode, uint32_t seed, std::vector<double>* out, bool* kept) {
+    oxa_vml_kernel_SetMode(mode);
+    const uint32_t before = oxa_vml_kernel_GetMode();
+    Stream s(OXA_BRNG_MCG59, {seed});
+    out->resize(5000);
+    for (int round = 0; round < 20; ++round)
+      _vsldRngGaussian(OXA_RNG_METHOD_GAUSSIAN_BOXMULLER2, s.get(), 5000, out->data(), 0.0, 1.0);
+    *kept = oxa_vml_kernel_GetMode() == before;
+  };
+  std::vector<double> lone, a, b;
+  bool lone_kept = false, a_kept = false, b_kept = false;
+  work(OXA_VML_DEFAULT_MODE, 1, &lone, &lone_kept);
+  std::thread ta(work, uint32_t{OXA_VML_DEFAULT_MODE}, 1u, &a, &a_kept);
+  std::thread tb(work, uint32_t{OXA_VML_EP | OXA_VML_ERRMODE_IGNORE}, 2u, &b, &b_kept);
+  ta.join();
+  tb.join();
+  EXPECT_TRUE(lone_kept && a_kept && b_kept);
+  EXPECT_EQ(a, lone);
 }
 
 }  // namespace
