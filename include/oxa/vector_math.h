@@ -190,6 +190,152 @@ void _vmlsPowx(int64_t n, const float* a, float b, float* r); /* HA */
 void _vmlsPowx_HA(int64_t n, const float* a, float b, float* r);
 void _vmlsPowx_21(int64_t n, const float* a, float b, float* r); /* LA */
 void _vmlsPowx_11(int64_t n, const float* a, float b, float* r); /* EP */
+/* ---- Trigonometric functions; |a| of any size is reduced exactly -------- */
+
+typedef void (*OxaVmlKernel2_s)(int64_t n, const float* a, float* r1, float* r2);
+typedef void (*OxaVmlKernel2_d)(int64_t n, const double* a, double* r1, double* r2);
+
+/* Sine: r[i] = sin(a[i]) */
+void oxa_vml_kernel_dSin_E9HAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dSin_E9LAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dSin_E9EPnnn(int64_t n, const double* a, double* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dSin_ttab[3]; /* LA, HA, EP */
+extern const float oxa_vml_kernel_dSin_ctab[3];
+void _vmldSin(int64_t n, const double* a, double* r);    /* HA */
+void _vmldSin_HA(int64_t n, const double* a, double* r);
+void _vmldSin_50(int64_t n, const double* a, double* r); /* LA */
+void _vmldSin_26(int64_t n, const double* a, double* r); /* EP */
+void oxa_vml_kernel_sSin_E9HAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sSin_E9LAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sSin_E9EPnnn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_s oxa_vml_kernel_sSin_ttab[3]; /* LA, HA, EP */
+extern const float oxa_vml_kernel_sSin_ctab[3];
+void _vmlsSin(int64_t n, const float* a, float* r);    /* HA */
+void _vmlsSin_HA(int64_t n, const float* a, float* r);
+void _vmlsSin_21(int64_t n, const float* a, float* r); /* LA */
+void _vmlsSin_11(int64_t n, const float* a, float* r); /* EP */
+
+/* Cosine: r[i] = cos(a[i]) */
+void oxa_vml_kernel_dCos_E9HAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dCos_E9LAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dCos_E9EPnnn(int64_t n, const double* a, double* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dCos_ttab[3]; /* LA, HA, EP */
+extern const float oxa_vml_kernel_dCos_ctab[3];
+void _vmldCos(int64_t n, const double* a, double* r);    /* HA */
+void _vmldCos_HA(int64_t n, const double* a, double* r);
+void _vmldCos_50(int64_t n, const double* a, double* r); /* LA */
+void _vmldCos_26(int64_t n, const double* a, double* r); /* EP */
+void oxa_vml_kernel_sCos_E9HAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sCos_E9LAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sCos_E9EPnnn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_s oxa_vml_kernel_sCos_ttab[3]; /* LA, HA, EP */
+extern const float oxa_vml_kernel_sCos_ctab[3];
+void _vmlsCos(int64_t n, const float* a, float* r);    /* HA */
+void _vmlsCos_HA(int64_t n, const float* a, float* r);
+void _vmlsCos_21(int64_t n, const float* a, float* r); /* LA */
+void _vmlsCos_11(int64_t n, const float* a, float* r); /* EP */
+
+/* Sine and cosine: r1[i] = sin(a[i]), r2[i] = cos(a[i]) */
+void oxa_vml_kernel_dSinCos_E9HAynn(int64_t n, const double* a, double* r1, double* r2);
+void oxa_vml_kernel_dSinCos_E9LAynn(int64_t n, const double* a, double* r1, double* r2);
+void oxa_vml_kernel_dSinCos_E9EPnnn(int64_t n, const double* a, double* r1, double* r2);
+extern const OxaVmlKernel2_d oxa_vml_kernel_dSinCos_ttab[3]; /* LA, HA, EP */
+extern const float oxa_vml_kernel_dSinCos_ctab[3];
+void _vmldSinCos(int64_t n, const double* a, double* r1, double* r2);    /* HA */
+void _vmldSinCos_HA(int64_t n, const double* a, double* r1, double* r2);
+void _vmldSinCos_50(int64_t n, const double* a, double* r1, double* r2); /* LA */
+void _vmldSinCos_26(int64_t n, const double* a, double* r1, double* r2); /* EP */
+void oxa_vml_kernel_sSinCos_E9HAynn(int64_t n, const float* a, float* r1, float* r2);
+void oxa_vml_kernel_sSinCos_E9LAynn(int64_t n, const float* a, float* r1, float* r2);
+void oxa_vml_kernel_sSinCos_E9EPnnn(int64_t n, const float* a, float* r1, float* r2);
+extern const OxaVmlKernel2_s oxa_vml_kernel_sSinCos_ttab[3]; /* LA, HA, EP */
+extern const float oxa_vml_kernel_sSinCos_ctab[3];
+void _vmlsSinCos(int64_t n, const float* a, float* r1, float* r2);    /* HA */
+void _vmlsSinCos_HA(int64_t n, const float* a, float* r1, float* r2);
+void _vmlsSinCos_21(int64_t n, const float* a, float* r1, float* r2); /* LA */
+void _vmlsSinCos_11(int64_t n, const float* a, float* r1, float* r2); /* EP */
+
+/* Tangent: r[i] = tan(a[i]) */
+void oxa_vml_kernel_dTan_E9HAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dTan_E9LAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dTan_E9EPnnn(int64_t n, const double* a, double* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dTan_ttab[3]; /* LA, HA, EP */
+extern const float oxa_vml_kernel_dTan_ctab[3];
+void _vmldTan(int64_t n, const double* a, double* r);    /* HA */
+void _vmldTan_HA(int64_t n, const double* a, double* r);
+void _vmldTan_50(int64_t n, const double* a, double* r); /* LA */
+void _vmldTan_26(int64_t n, const double* a, double* r); /* EP */
+void oxa_vml_kernel_sTan_E7HAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sTan_E9LAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sTan_E9EPnnn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_s oxa_vml_kernel_sTan_ttab[3]; /* LA, HA, EP */
+extern const float oxa_vml_kernel_sTan_ctab[3];
+void _vmlsTan(int64_t n, const float* a, float* r);    /* HA */
+void _vmlsTan_HA(int64_t n, const float* a, float* r);
+void _vmlsTan_21(int64_t n, const float* a, float* r); /* LA */
+void _vmlsTan_11(int64_t n, const float* a, float* r); /* EP */
+/* ---- Square root: r[i] = sqrt(a[i]) ------------------------------------- */
+
+void oxa_vml_kernel_dSqrt_E9HAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dSqrt_E9LAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dSqrt_E9EPnnn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_sSqrt_E9HAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sSqrt_E9LAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sSqrt_E9EPnnn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dSqrt_ttab[3]; /* LA, HA, EP */
+extern const OxaVmlKernel_s oxa_vml_kernel_sSqrt_ttab[3];
+extern const float oxa_vml_kernel_dSqrt_ctab[3]; /* relative costs LA, HA, EP */
+extern const float oxa_vml_kernel_sSqrt_ctab[3];
+void _vmldSqrt(int64_t n, const double* a, double* r);    /* HA */
+void _vmldSqrt_HA(int64_t n, const double* a, double* r);
+void _vmldSqrt_50(int64_t n, const double* a, double* r); /* LA */
+void _vmldSqrt_26(int64_t n, const double* a, double* r); /* EP */
+void _vmlsSqrt(int64_t n, const float* a, float* r);    /* HA */
+void _vmlsSqrt_HA(int64_t n, const float* a, float* r);
+void _vmlsSqrt_21(int64_t n, const float* a, float* r); /* LA */
+void _vmlsSqrt_11(int64_t n, const float* a, float* r); /* EP */
+
+/* ---- Reciprocal square root: r[i] = 1/sqrt(a[i]) ------------------------ */
+
+void oxa_vml_kernel_dInvSqrt_E9HAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dInvSqrt_E9LAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dInvSqrt_E9EPnnn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_sInvSqrt_E9HAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sInvSqrt_E9LAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sInvSqrt_E9EPnnn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dInvSqrt_ttab[3]; /* LA, HA, EP */
+extern const OxaVmlKernel_s oxa_vml_kernel_sInvSqrt_ttab[3];
+extern const float oxa_vml_kernel_dInvSqrt_ctab[3]; /* relative costs LA, HA, EP */
+extern const float oxa_vml_kernel_sInvSqrt_ctab[3];
+void _vmldInvSqrt(int64_t n, const double* a, double* r);    /* HA */
+void _vmldInvSqrt_HA(int64_t n, const double* a, double* r);
+void _vmldInvSqrt_50(int64_t n, const double* a, double* r); /* LA */
+void _vmldInvSqrt_26(int64_t n, const double* a, double* r); /* EP */
+void _vmlsInvSqrt(int64_t n, const float* a, float* r);    /* HA */
+void _vmlsInvSqrt_HA(int64_t n, const float* a, float* r);
+void _vmlsInvSqrt_21(int64_t n, const float* a, float* r); /* LA */
+void _vmlsInvSqrt_11(int64_t n, const float* a, float* r); /* EP */
+
+/* ---- Inverse error function: r[i] = erfinv(a[i]) ------------------------ */
+
+void oxa_vml_kernel_dErfInv_E9HAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dErfInv_E9LAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dErfInv_E9EPnnn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_sErfInv_E9HAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sErfInv_E9LAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sErfInv_E9EPnnn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dErfInv_ttab[3]; /* LA, HA, EP */
+extern const OxaVmlKernel_s oxa_vml_kernel_sErfInv_ttab[3];
+extern const float oxa_vml_kernel_dErfInv_ctab[3]; /* relative costs LA, HA, EP */
+extern const float oxa_vml_kernel_sErfInv_ctab[3];
+void _vmldErfInv(int64_t n, const double* a, double* r);    /* HA */
+void _vmldErfInv_HA(int64_t n, const double* a, double* r);
+void _vmldErfInv_50(int64_t n, const double* a, double* r); /* LA */
+void _vmldErfInv_26(int64_t n, const double* a, double* r); /* EP */
+void _vmlsErfInv(int64_t n, const float* a, float* r);    /* HA */
+void _vmlsErfInv_HA(int64_t n, const float* a, float* r);
+void _vmlsErfInv_21(int64_t n, const float* a, float* r); /* LA */
+void _vmlsErfInv_11(int64_t n, const float* a, float* r); /* EP */
 
 OXA_EXTERN_C_END
 

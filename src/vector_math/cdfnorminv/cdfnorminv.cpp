@@ -18,6 +18,7 @@
 #include <limits>
 
 #include "vector_math/cdfnorminv/cdfnorminv.hpp"
+#include "vector_math/cdfnorminv/cdfnorminv_rows.hpp"  // the tables, defined once
 #include "vector_math/frame/dd.hpp"
 #include "vector_math/frame/kernel_frame.hpp"
 #include "vector_math/frame/poly.hpp"
@@ -25,9 +26,6 @@
 namespace oxa::vml {
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr float kInfF = std::numeric_limits<float>::infinity();
-#include "vector_math/cdfnorminv/cdfnorminv_tables.inc"
 
 // Offsets in the constants block that follows the rows of each bulk table.
 enum Constant { kRowBase, kMaskBits, kCentre, kHalf, kOne, kTwo, kPosInf, kNegInf, kNumPos, kNumNeg, kZero };

@@ -8,14 +8,12 @@
 #include <cstdint>
 
 #include "vector_math/cdfnorminv/cdfnorminv.hpp"
+#include "vector_math/cdfnorminv/cdfnorminv_rows.hpp"  // the tables, defined once
 #include "vector_math/frame/dd.hpp"
 
 namespace oxa::vml {
 namespace {
 
-constexpr double kInf = __builtin_inf();
-constexpr float kInfF = __builtin_inff();
-#include "vector_math/cdfnorminv/cdfnorminv_tables.inc"
 
 using D2 = dd::DD<double>;
 

@@ -113,7 +113,7 @@ struct In1Out1 {
     return {load_group(a + i, g, P::kSafeInput)};
   }
   static V<T> special(const Lanes& x) { return P::special(x.a); }
-  void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
+  [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
     const V<T> y = P::vector(screen<P>(x.a, mask, P::kSafeInput));
     store_group(r + i, y, g);
   }
@@ -142,7 +142,7 @@ struct In2Out1 {
     return {load_group(a + i, g, P::kSafeInput), load_group(b + i, g, P::kSafeInput2)};
   }
   static V<T> special(const Lanes& x) { return P::special(x.a, x.b); }
-  void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
+  [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
     const V<T> y = P::vector(screen<P>(x.a, mask, P::kSafeInput), screen<P>(x.b, mask, P::kSafeInput2));
     store_group(r + i, y, g);
   }
@@ -164,7 +164,7 @@ struct In1ScalarOut1 {
     return {load_group(a + i, g, P::kSafeInput)};
   }
   V<T> special(const Lanes& x) const { return P::special(x.a, simd::broadcast(b)); }
-  void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
+  [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
     const V<T> y = P::vector(screen<P>(x.a, mask, P::kSafeInput), simd::broadcast(b));
     store_group(r + i, y, g);
   }
@@ -184,7 +184,7 @@ struct In1Out2 {
     return {load_group(a + i, g, P::kSafeInput)};
   }
   static V<T> special(const Lanes& x) { return P::special(x.a); }
-  void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
+  [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
     V<T> y1, y2;
     P::vector(screen<P>(x.a, mask, P::kSafeInput), y1, y2);
     store_group(r1 + i, y1, g);

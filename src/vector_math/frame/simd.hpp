@@ -104,6 +104,15 @@ struct Rows4 {
   const double *p0, *p1, *p2, *p3;
 };
 
+// Rows given as four 32-bit element offsets into the table (row · length).
+inline Rows4 rows4(const double* table, __m128i offsets) {
+  const uint64_t lo = static_cast<uint64_t>(_mm_cvtsi128_si64(offsets));
+  const uint64_t hi = static_cast<uint64_t>(_mm_extract_epi64(offsets, 1));
+  return {table + static_cast<uint32_t>(lo), table + (lo >> 32), table + static_cast<uint32_t>(hi),
+          table + (hi >> 32)};
+}
+
+// Rows given as four 64-bit row numbers.
 inline Rows4 rows4(const double* table, __m256i rows, int row_length) {
   const __m128i lo = _mm256_castsi256_si128(rows), hi = _mm256_extracti128_si256(rows, 1);
   return {table + _mm_cvtsi128_si64(lo) * row_length, table + _mm_extract_epi64(lo, 1) * row_length,

@@ -1,0 +1,131 @@
+// Reciprocal square root without the divider: the vector formulas of the
+// InvSqrt kernels; the EP square root uses its estimate.
+//
+// Every step is a correction of an estimate y of 1/sqrt(x) through its
+// residual e = 1 - x y^2: exactly 1/sqrt(x) = y (1 - e)^(-1/2)
+//   = y (1 + e/2 + 3e^2/8 + 5e^3/16 + 35e^4/128 + 63e^5/256 + 231e^6/1024 + ...),
+// so a series truncated after e^N leaves a relative error of about
+// a_{N+1} e^(N+1). The coefficients are exact binary fractions.
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstdint>
+
+#include "vector_math/frame/simd.hpp"
+
+namespace oxa::vml::rsqrt {
+
+template <class T>
+using V = simd::Vec<T>;
+
+// 1/2 + 3e/8 + ... : the series after its leading 1, divided by e, N terms.
+template <int N, class T>
+[[gnu::always_inline]] inline V<T> series(V<T> e) {
+  constexpr double kA[] = {0x1p-1, 0x3p-3, 0x5p-4, 0x23p-7, 0x3fp-8, 0xe7p-10};
+  static_assert(N >= 1 && N <= 6);
+  V<T> p = simd::broadcast(T(kA[N - 1]));
+#pragma GCC unroll 8
+  for (int k = N - 2; k >= 0; --k) p = simd::fma(p, e, simd::broadcast(T(kA[k])));
+  return p;
+}
+
+// y + y e p(e): one rounding at the end, so a correct y comes out within
+// 0.5 ulp plus the truncation error.
+template <int N, class T>
+[[gnu::always_inline]] inline V<T> correct(V<T> y, V<T> e) {
+  return simd::fma(y * e, series<N, T>(e), y);
+}
+
+// Lane mask of the x whose high word (double) or bits (float) h lies outside
+// [lo, hi) as unsigned numbers: one add moves lo to the bottom of the signed
+// range, one signed compare finds the rest. Negative x, zeros, subnormals,
+// infinities and NaN fall outside any range of positive normal numbers.
+template <class T>
+inline V<T> outside(V<T> x, uint32_t lo, uint32_t hi) {
+  if constexpr (sizeof(T) == 8) {
+    const uint64_t lo64 = uint64_t{lo} << 32, hi64 = uint64_t{hi} << 32, sign = uint64_t{1} << 63;
+    const __m256i biased = _mm256_add_epi64(simd::bits(x), _mm256_set1_epi64x(static_cast<int64_t>(sign - lo64)));
+    return simd::from_bits_d(_mm256_cmpgt_epi64(biased, _mm256_set1_epi64x(static_cast<int64_t>(hi64 - lo64 - 1 + sign))));
+  } else {
+    const uint32_t sign = 0x80000000u;
+    const __m256i biased = _mm256_add_epi32(simd::bits(x), _mm256_set1_epi32(static_cast<int32_t>(sign - lo)));
+    return simd::from_bits_f(_mm256_cmpgt_epi32(biased, _mm256_set1_epi32(static_cast<int32_t>(hi - lo - 1u + sign))));
+  }
+}
+
+// Fast ranges of the formulas below. accurate(): double, every positive
+// normal number (the exponent is taken out first); float [2^-126, 2^125),
+// where y^2 stays normal. fast(): double [2^-126, 2^126), where x converts
+// to a normal float; float [2^-126, 2^125).
+template <class T>
+constexpr uint32_t kAccurateLow = sizeof(T) == 8 ? 0x00100000u : 0x00800000u;
+template <class T>
+constexpr uint32_t kAccurateHigh = sizeof(T) == 8 ? 0x7FF00000u : 0x7E000000u;
+template <class T>
+constexpr uint32_t kFastLow = sizeof(T) == 8 ? 0x38100000u : 0x00800000u;
+template <class T>
+constexpr uint32_t kFastHigh = sizeof(T) == 8 ? 0x47D00000u : 0x7E000000u;
+
+// The processor's estimates, within 1.5 * 2^-12 relative (|e| < 2^-10.4).
+inline __m128 rsqrt_estimate(__m128 x) { return _mm_rsqrt_ps(x); }
+inline V<float> start(V<float> x) { return {_mm256_rsqrt_ps(x.v)}; }
+
+// y with its low `bits` significand bits cleared, so that y * y is exact.
+inline V<float> truncate(V<float> y, int bits) {
+  return simd::from_bits_f(_mm256_and_si256(simd::bits(y), _mm256_set1_epi32(~((1 << bits) - 1))));
+}
+
+// x = m 2^(2j) with m in [1/2, 2): m keeps x's significand and the lowest
+// bit of its exponent; `scale` is -j in the exponent field, to be added to
+// the bits of 1/sqrt(m).
+struct Reduced {
+  V<double> m;
+  __m256i scale;
+};
+inline Reduced reduce(V<double> x) {
+  const __m256i b = simd::bits(x);
+  const V<double> m = simd::from_bits_d(
+      _mm256_or_si256(_mm256_and_si256(b, _mm256_set1_epi64x(0x001FFFFFFFFFFFFF)), _mm256_set1_epi64x(0x3FE0000000000000)));
+  // j = (E >> 1) - 511 for the biased exponent E; -j << 52.
+  const __m256i minus_j = _mm256_sub_epi64(_mm256_set1_epi64x(511), _mm256_srli_epi64(b, 53));
+  return {m, _mm256_slli_epi64(minus_j, 52)};
+}
+
+// 1/sqrt(x) within 0.5 ulp + 2^-9 ulp, for x in the accurate range. The
+// estimate y is short enough that y^2 is exact (double: y is a float; float:
+// y cut to 12 bits), so the residual 1 - m y^2 has a single rounding, far
+// below the result's ulp; the series then brings the relative error to
+//   double: |e| < 2^-10.4, series to e^5, 0.23 e^6 < 2^-64;
+//   float:  |e| < 2^-9.2 after the cut, series to e^2, 0.32 e^3 < 2^-29.
+template <class T>
+[[gnu::always_inline]] inline V<T> accurate(V<T> x) {
+  if constexpr (sizeof(T) == 8) {
+    const Reduced r = reduce(x);
+    const V<double> y{_mm256_cvtps_pd(rsqrt_estimate(_mm256_cvtpd_ps(r.m.v)))};
+    const V<double> e = simd::fnma(r.m, y * y, simd::broadcast(1.0));
+    return simd::from_bits_d(_mm256_add_epi64(simd::bits(correct<5, double>(y, e)), r.scale));
+  } else {
+    const V<float> y = truncate(start(x), 12);
+    const V<float> e = simd::fnma(x, y * y, simd::broadcast(1.0f));
+    return correct<2, float>(y, e);
+  }
+}
+
+// For x in the fast range: 1/sqrt(x) (kRoot false) or sqrt(x) (kRoot true)
+// within a relative 2^-32 (double) or 1.5 * 2^-12 (float). Double: v = y or
+// x y from the float estimate y, times the series to e^2; as
+// sqrt(x) = x y (1 - e)^(-1/2), the root needs no extra step.
+template <class T, bool kRoot = false>
+[[gnu::always_inline]] inline V<T> fast(V<T> x) {
+  if constexpr (sizeof(T) == 8) {
+    const V<double> y{_mm256_cvtps_pd(rsqrt_estimate(_mm256_cvtpd_ps(x.v)))};
+    const V<double> xy = x * y;
+    const V<double> e = simd::fnma(xy, y, simd::broadcast(1.0));
+    return correct<2, double>(kRoot ? xy : y, e);
+  } else {
+    return kRoot ? x * start(x) : start(x);
+  }
+}
+
+}  // namespace oxa::vml::rsqrt
