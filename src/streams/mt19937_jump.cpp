@@ -86,6 +86,8 @@ void correlate(const uint64_t* padded_rev_g, const uint64_t* plane, uint64_t r[1
   for (int c = 0; c < kPlaneWords; ++c) {
     const __m128i s = _mm_cvtsi64_si128(int64_t(plane[c]));
     const uint64_t* gw = padded_rev_g + kPad + kFirstOutWord - c;  // reversed g word W - c
+    // Unrolled so that the twelve accumulators stay in registers.
+#pragma GCC unroll 6
     for (int w = 0; w < kOutWords; w += 2) {
       const __m128i pair = _mm_loadu_si128(reinterpret_cast<const __m128i*>(gw + w));
       acc[w] = _mm_xor_si128(acc[w], _mm_clmulepi64_si128(pair, s, 0x00));
