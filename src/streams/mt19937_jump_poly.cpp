@@ -16,7 +16,6 @@
 
 #include <cstddef>
 #include <cstring>
-#include <utility>
 
 namespace oxa::streams {
 
@@ -24,111 +23,105 @@ namespace oxa::streams {
 
 namespace {
 
-constexpr int kProductWords = 2 * kMtPolyWords;  // words of a square before reduction
 constexpr int kTerms = sizeof(_vsl_mt19937_poly_terms) / sizeof(_vsl_mt19937_poly_terms[0]);
+constexpr int kTopTerm = _vsl_mt19937_poly_terms[kTerms - 1];  // 19314
 
-// Folding one 512-bit chunk H at word c >= 312: for the low term k, H lands at
-// bit 64(c - 312) + 31 + k. Relative to word c - 312 the placement depends on k
-// alone, so one plan lists, for each four-word output block j, the terms that
-// reach it: where to read H and by how much to shift.
-constexpr int kChunkWords = 8;
-constexpr int kLead = 64 - (kMtDegree & 63);  // 31: bit offset of x^19937 in a chunk
-constexpr int kFoldBlocks = (kLead + 19314 + 64 * kChunkWords) / 256 + 1;
-constexpr int kMaxFoldTerms = kFoldBlocks * 8;
+// The square is kept shifted left by 31 bits, so that x^19937 sits at bit
+// 19968 = 64 * 312: the high part H (coefficients of x^19937 and above) is
+// words 312..623, the reduced result lands in bits 31..19967 of words 0..311.
+constexpr int kLead = 64 * kMtPolyWords - kMtDegree;  // 31
+constexpr int kHighBits = 64 * kMtPolyWords;          // width of H
+constexpr int kPadBytes = 32;                         // zeros around each copy of H
+constexpr int kCopyBytes = kPadBytes + kHighBits / 8 + kPadBytes;
 
-struct FoldTerm {
-  int word;   // H word feeding the block's first word (-4..7)
-  int shift;  // right shift of the H words at that offset (0..63)
+// Bit q of H becomes x^(q + k) for every low term k of p, i.e. reaches
+// position q - (19937 - k) relative to bit 19968. So a 256-bit block at q
+// receives H bits [q + 19937 - k, +256) for every k in (q, q + 19937 + 256).
+// Blocks are finished from the top down; each reads only bits at least 623
+// higher, which are final. To read H at any bit offset with one load, H is
+// also kept as eight byte-addressable copies, copy r shifted right by r bits;
+// a term's source for the block at q is then copy (c & 7), byte q/8 + c/8 with
+// c = 19937 - k.
+struct TermOffsets {
+  int32_t byte[kTerms];
 };
-struct FoldPlan {
-  FoldTerm term[kMaxFoldTerms];
-  int begin[kFoldBlocks + 1];
+constexpr TermOffsets make_term_offsets() {
+  TermOffsets t{};
+  for (int i = 0; i < kTerms; ++i) {
+    const int c = kMtDegree - _vsl_mt19937_poly_terms[i];
+    t.byte[i] = (c & 7) * kCopyBytes + kPadBytes + (c >> 3);
+  }
+  return t;
+}
+constexpr TermOffsets kOffsets = make_term_offsets();
+
+struct Workspace {
+  alignas(32) uint64_t a[2 * kMtPolyWords];  // the square, shifted by kLead
+  alignas(32) uint8_t copies[8][kCopyBytes];    // H >> r, r = 0..7, zero padded
 };
-constexpr FoldPlan make_fold_plan() {
-  FoldPlan plan{};
-  int n = 0;
-  for (int j = 0; j < kFoldBlocks; ++j) {
-    plan.begin[j] = n;
-    for (int t = 0; t < kTerms; ++t) {
-      const int at = kLead + _vsl_mt19937_poly_terms[t];  // bit where H starts
-      if (at < 256 * (j + 1) && at + 64 * kChunkWords > 256 * j) {
-        const int rel = 256 * j - at;                             // in (-256, 512)
-        const int q = rel >= 0 ? rel / 64 : -((-rel + 63) / 64);  // floor
-        plan.term[n++] = FoldTerm{q, rel - 64 * q};
+
+// Finished block of H at bit q (words cur) into every copy; up holds the four
+// words above it.
+inline void store_high(Workspace& w, int q, __m256i cur, __m256i up) {
+  // Words 1..4 of (cur, up): the neighbours that fill the top of a shift.
+  const __m256i next = _mm256_permute4x64_epi64(_mm256_blend_epi32(cur, up, 0x03), 0x39);
+  uint8_t* at = &w.copies[0][kPadBytes + q / 8];
+  _mm256_store_si256(reinterpret_cast<__m256i*>(at), cur);
+  for (int r = 1; r < 8; ++r) {
+    const __m256i v = _mm256_or_si256(_mm256_srl_epi64(cur, _mm_cvtsi32_si128(r)),
+                                      _mm256_sll_epi64(next, _mm_cvtsi32_si128(64 - r)));
+    _mm256_store_si256(reinterpret_cast<__m256i*>(at + r * kCopyBytes), v);
+  }
+}
+
+// w.a = A * x^31 for A of degree < 2*19937; afterwards g = A mod p.
+void reduce(Workspace& w, uint64_t* g) {
+  int lo = kTerms, hi = kTerms;  // terms k with q < k < q + 19937 + 256
+  __m256i up = _mm256_setzero_si256();
+  for (int q = kHighBits - 256; q >= -kHighBits; q -= 256) {
+    while (lo > 0 && _vsl_mt19937_poly_terms[lo - 1] > q) --lo;
+    while (hi > 0 && _vsl_mt19937_poly_terms[hi - 1] >= q + kMtDegree + 256) --hi;
+    uint64_t* block = w.a + kMtPolyWords + q / 64;
+    __m256i v = _mm256_load_si256(reinterpret_cast<const __m256i*>(block));
+    const uint8_t* base = &w.copies[0][0] + q / 8;
+#pragma GCC unroll 4
+    for (int i = lo; i < hi; ++i) {
+      v = _mm256_xor_si256(
+          v, _mm256_loadu_si256(reinterpret_cast<const __m256i*>(base + kOffsets.byte[i])));
+    }
+    if (q >= 0) {
+      store_high(w, q, v, up);
+      up = v;
+    } else {
+      _mm256_store_si256(reinterpret_cast<__m256i*>(block), v);
+    }
+    if (q == 0) {
+      // Copy r also holds H bits 0..r-1 just below its start.
+      const uint64_t h0 = uint64_t(_mm256_extract_epi64(v, 0));
+      for (int r = 1; r < 8; ++r) {
+        const uint64_t below = h0 << (64 - r);
+        std::memcpy(&w.copies[r][kPadBytes - 8], &below, 8);
       }
     }
   }
-  plan.begin[kFoldBlocks] = n;
-  return plan;
-}
-constexpr FoldPlan kFold = make_fold_plan();
-static_assert(kFold.begin[kFoldBlocks] <= kMaxFoldTerms);
-
-// Bits 64*(4 + Word) + Shift onward of hp, four words.
-template <int Word, int Shift>
-[[gnu::always_inline]] inline __m256i chunk_bits(const uint64_t* hp) {
-  const __m256i w0 = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(hp + 4 + Word));
-  if constexpr (Shift == 0) {
-    return w0;
-  } else {
-    const __m256i w1 = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(hp + 5 + Word));
-    return _mm256_or_si256(_mm256_srli_epi64(w0, Shift), _mm256_slli_epi64(w1, 64 - Shift));
-  }
+  for (int i = 0; i < kMtPolyWords - 1; ++i) g[i] = (w.a[i] >> kLead) | (w.a[i + 1] << (64 - kLead));
+  g[kMtPolyWords - 1] = w.a[kMtPolyWords - 1] >> kLead;
 }
 
-template <int J, std::size_t... I>
-[[gnu::always_inline]] inline void fold_block(uint64_t* out, [[maybe_unused]] const uint64_t* hp,
-                                              std::index_sequence<I...>) {
-  __m256i v = _mm256_setzero_si256();
-  ((v = _mm256_xor_si256(v, chunk_bits<kFold.term[kFold.begin[J] + int(I)].word,
-                                       kFold.term[kFold.begin[J] + int(I)].shift>(hp))),
-   ...);
-  __m256i* d = reinterpret_cast<__m256i*>(out + 4 * J);
-  _mm256_storeu_si256(d, _mm256_xor_si256(_mm256_loadu_si256(d), v));
-}
+static_assert(kTopTerm + kLead < 64 * kMtPolyWords, "a square's high part folds below itself");
 
-template <std::size_t... J>
-inline void fold_blocks(uint64_t* out, const uint64_t* hp, std::index_sequence<J...>) {
-  (fold_block<int(J)>(out, hp,
-                      std::make_index_sequence<std::size_t(kFold.begin[J + 1] - kFold.begin[J])>()),
-   ...);
-}
-
-// a[c - 312 ...] ^= H * x^(64c - 19937) * (p - x^19937); hp[4..11] = H, the
-// rest of hp zero.
-void fold_chunk(uint64_t* a, const uint64_t* hp, int c) {
-  fold_blocks(a + (c - kMtPolyWords), hp, std::make_index_sequence<kFoldBlocks>());
-}
-
-// a mod p for a of degree < 2*19937, in place; a has 16 words of zero slack
-// past its 624 words for the last blocks' loads and stores.
-void reduce(uint64_t* a) {
-  alignas(32) uint64_t hp[20] = {};
-  for (int c = kProductWords - kChunkWords; c >= kMtPolyWords; c -= kChunkWords) {
-    std::memcpy(hp + 4, a + c, kChunkWords * sizeof(uint64_t));
-    std::memset(a + c, 0, kChunkWords * sizeof(uint64_t));
-    fold_chunk(a, hp, c);
-  }
-  // Bits 19937..19967 of word 311, one term at a time.
-  const uint64_t top = a[kMtPolyWords - 1] >> (kMtDegree & 63);
-  a[kMtPolyWords - 1] &= (uint64_t(1) << (kMtDegree & 63)) - 1;
-  for (int t = 0; top != 0 && t < kTerms; ++t) {
-    const unsigned k = _vsl_mt19937_poly_terms[t];
-    a[k >> 6] ^= top << (k & 63);
-    if (k & 63) a[(k >> 6) + 1] ^= top >> (64 - (k & 63));
-  }
-}
-
-constexpr int kSlack = 16;  // zero words past a product that the fold may touch
-
-void square(const uint64_t* g, uint64_t* out) {
+// g = g^2 mod p.
+void square(Workspace& w, uint64_t* g) {
   constexpr uint64_t kSpread = 0x5555555555555555u;
+  uint64_t carry = 0;
   for (int i = 0; i < kMtPolyWords; ++i) {
-    out[2 * i] = _pdep_u64(g[i] & 0xFFFFFFFFu, kSpread);
-    out[2 * i + 1] = _pdep_u64(g[i] >> 32, kSpread);
+    const uint64_t even = _pdep_u64(g[i] & 0xFFFFFFFFu, kSpread);
+    const uint64_t odd = _pdep_u64(g[i] >> 32, kSpread);
+    w.a[2 * i] = (even << kLead) | carry;
+    w.a[2 * i + 1] = (odd << kLead) | (even >> (64 - kLead));
+    carry = odd >> (64 - kLead);
   }
-  std::memset(out + kProductWords, 0, kSlack * sizeof(uint64_t));
-  reduce(out);
+  reduce(w, g);
 }
 
 void times_x(uint64_t* g) {
@@ -152,10 +145,10 @@ void mt19937_x_pow_mod(unsigned __int128 e, uint64_t g[kMtPolyWords]) {
   }
   std::memset(g, 0, kMtPolyWords * sizeof(uint64_t));
   g[m >> 6] = uint64_t(1) << (m & 63);
-  alignas(32) uint64_t sq[kProductWords + kSlack];
+  Workspace w;
+  std::memset(w.copies, 0, sizeof w.copies);
   for (; bit >= 0; --bit) {
-    square(g, sq);
-    std::memcpy(g, sq, kMtPolyWords * sizeof(uint64_t));
+    square(w, g);
     if ((e >> bit) & 1) times_x(g);
   }
 }
