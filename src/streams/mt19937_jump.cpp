@@ -7,7 +7,7 @@
 //   coefficients g_i = 1: for each of the 32 bit positions that is a
 //   correlation of g with one bit plane of the sequence, i.e. 624 coefficients
 //   of a product of binary polynomials, formed with carry-less multiplication.
-//   Counts that stay within about 32 blocks regenerate blocks instead.
+//   Counts that stay within 512 blocks regenerate blocks instead.
 // Cost: for a count of 2^64 - 1 about 51 squarings modulo p, 34 block
 //   regenerations, a bit transpose of 20608 words and 32 x 322 x 12 carry-less
 //   products; a few hundred microseconds. Stack scratch about 90 KiB.
@@ -22,7 +22,9 @@ namespace oxa::streams {
 
 namespace {
 
-constexpr uint64_t kBlocksByStepping = 32;  // about one polynomial jump of work
+// A block regenerates in about 0.1 us and the shortest polynomial jump
+// costs about 100 us, so counts up to this many blocks step instead.
+constexpr uint64_t kBlocksByStepping = 512;
 constexpr int kPlaneWords = 322;            // 20608 sequence bits >= 19937 + 623
 constexpr int kPlaneBits = 64 * kPlaneWords;
 constexpr int kReversedBits = 64 * kMtPolyWords;  // 19968: g is reversed over this width
