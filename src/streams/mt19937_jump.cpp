@@ -25,7 +25,7 @@ namespace {
 // A block regenerates in about 0.1 us and the shortest polynomial jump
 // costs about 100 us, so counts up to this many blocks step instead.
 constexpr uint64_t kBlocksByStepping = 512;
-constexpr int kPlaneWords = 322;            // 20608 sequence bits >= 19937 + 623
+constexpr int kPlaneWords = 322;  // 20608 sequence bits >= 19937 + 623
 constexpr int kPlaneBits = 64 * kPlaneWords;
 constexpr int kReversedBits = 64 * kMtPolyWords;  // 19968: g is reversed over this width
 constexpr int kOutWords = 12;  // product words 310..321 hold coefficients 19967..20590
@@ -42,8 +42,8 @@ uint64_t reverse_bits(uint64_t x) {
 // planes[b] bits at..at+15 = bit b of words w[0..15].
 void transpose16(const uint32_t* w, uint64_t (*planes)[kPlaneWords], int at) {
   // Per 128-bit lane, gather byte k of the lane's four words into dword k.
-  const __m256i gather = _mm256_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15,
-                                          0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15);
+  const __m256i gather = _mm256_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15, 0,
+                                          4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15);
   const __m256i order = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
   __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(w));
   __m256i b = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(w + 8));
@@ -122,8 +122,8 @@ void apply_poly(const uint64_t* g, const uint32_t* start, uint32_t* out) {
     __m256i w = _mm256_setzero_si256();
     for (int b = 0; b < 32; ++b) {
       const int byte = int((r[b][k >> 6] >> (k & 63)) & 0xFF);
-      const __m256i set = _mm256_cmpeq_epi32(
-          _mm256_and_si256(_mm256_set1_epi32(byte), select), select);
+      const __m256i set =
+          _mm256_cmpeq_epi32(_mm256_and_si256(_mm256_set1_epi32(byte), select), select);
       w = _mm256_or_si256(w, _mm256_and_si256(set, _mm256_set1_epi32(int32_t(1u << b))));
     }
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + k), w);

@@ -58,7 +58,7 @@ constexpr TermOffsets kOffsets = make_term_offsets();
 struct Workspace {
   alignas(32) uint64_t spread[4 + 2 * kMtPolyWords];  // four zero words, then the square
   alignas(32) uint64_t a[2 * kMtPolyWords];           // the square, shifted by kLead
-  alignas(32) uint8_t copies[8][kCopyBytes];    // H >> r, r = 0..7, zero padded
+  alignas(32) uint8_t copies[8][kCopyBytes];          // H >> r, r = 0..7, zero padded
 };
 
 // Finished block of H at bit q (words cur) into every copy; up holds the four
@@ -74,6 +74,8 @@ inline void store_high(Workspace& w, int q, __m256i cur, __m256i up) {
     _mm256_store_si256(reinterpret_cast<__m256i*>(at + r * kCopyBytes), v);
   }
 }
+
+static_assert(kMtDegree - kTopTerm >= 256, "a block reads only finished blocks above it");
 
 // w.a = A * x^31 for A of degree < 2*19937; afterwards g = A mod p.
 void reduce(Workspace& w, uint64_t* g) {
@@ -105,27 +107,28 @@ void reduce(Workspace& w, uint64_t* g) {
       }
     }
   }
-  for (int i = 0; i < kMtPolyWords - 1; ++i) g[i] = (w.a[i] >> kLead) | (w.a[i + 1] << (64 - kLead));
+  for (int i = 0; i < kMtPolyWords - 1; ++i)
+    g[i] = (w.a[i] >> kLead) | (w.a[i + 1] << (64 - kLead));
   g[kMtPolyWords - 1] = w.a[kMtPolyWords - 1] >> kLead;
 }
 
-static_assert(kTopTerm + kLead < 64 * kMtPolyWords, "a square's high part folds below itself");
-static_assert(2 * (kMtDegree - 1) + 1 + kLead < 2 * 64 * kMtPolyWords, "g^2 x fits the shifted square");
+static_assert(2 * (kMtDegree - 1) + 1 + kLead < 128 * kMtPolyWords, "g^2 x fits the square");
 
 // g = g^2 x^times_x mod p (times_x 0 or 1). Squaring spreads bit i to bit 2i:
 // each nibble becomes a byte by table lookup, 32 bytes of g at a time; the
 // factor x is one more bit of the shift into place.
 void square(Workspace& w, uint64_t* g, int times_x) {
-  const __m256i spread_nibble = _mm256_setr_epi8(
-      0x00, 0x01, 0x04, 0x05, 0x10, 0x11, 0x14, 0x15, 0x40, 0x41, 0x44, 0x45, 0x50, 0x51, 0x54, 0x55,
-      0x00, 0x01, 0x04, 0x05, 0x10, 0x11, 0x14, 0x15, 0x40, 0x41, 0x44, 0x45, 0x50, 0x51, 0x54, 0x55);
+  const __m256i spread_nibble =
+      _mm256_setr_epi8(0x00, 0x01, 0x04, 0x05, 0x10, 0x11, 0x14, 0x15, 0x40, 0x41, 0x44, 0x45, 0x50,
+                       0x51, 0x54, 0x55, 0x00, 0x01, 0x04, 0x05, 0x10, 0x11, 0x14, 0x15, 0x40, 0x41,
+                       0x44, 0x45, 0x50, 0x51, 0x54, 0x55);
   const __m256i low_nibbles = _mm256_set1_epi8(0x0F);
   uint64_t* sq = w.spread + 4;  // w.spread[0..3] stay zero: the words below the square
   for (int i = 0; i < kMtPolyWords; i += 4) {
     const __m256i x = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(g + i));
     const __m256i lo = _mm256_shuffle_epi8(spread_nibble, _mm256_and_si256(x, low_nibbles));
-    const __m256i hi = _mm256_shuffle_epi8(
-        spread_nibble, _mm256_and_si256(_mm256_srli_epi16(x, 4), low_nibbles));
+    const __m256i hi =
+        _mm256_shuffle_epi8(spread_nibble, _mm256_and_si256(_mm256_srli_epi16(x, 4), low_nibbles));
     // Bytes 0..7 of each lane spread into 16 bytes by unpacklo, 8..15 by unpackhi.
     const __m256i first = _mm256_unpacklo_epi8(lo, hi), second = _mm256_unpackhi_epi8(lo, hi);
     _mm256_store_si256(reinterpret_cast<__m256i*>(sq + 2 * i),

@@ -16,8 +16,12 @@ using oxa::streams::kMtDegree;
 using oxa::streams::kMtPolyWords;
 using Bits = std::vector<uint64_t>;
 
-bool bit_of(const Bits& a, int i) { return (a[size_t(i) >> 6] >> (i & 63)) & 1; }
-void flip(Bits& a, int i) { a[size_t(i) >> 6] ^= uint64_t(1) << (i & 63); }
+bool bit_of(const Bits& a, int i) {
+  return (a[size_t(i) >> 6] >> (i & 63)) & 1;
+}
+void flip(Bits& a, int i) {
+  a[size_t(i) >> 6] ^= uint64_t(1) << (i & 63);
+}
 
 void reduce(Bits& a) {
   for (int i = 2 * kMtDegree; i >= kMtDegree; --i) {
@@ -47,19 +51,21 @@ Bits reference_x_pow_mod(unsigned __int128 e) {
 TEST(Mt19937Jump, PowersOfXMatchReference) {
   const unsigned __int128 two64 = static_cast<unsigned __int128>(1) << 64;
   const unsigned __int128 exponents[] = {
-      0, 1, 19936,                                  // monomials, no reduction
-      19937, 2 * 19937 - 2,                         // one reduction of few or many bits
-      (two64 - 1 + 624) / 624 * 624 - 1,            // skip of 2^64 - 1 from a used-up block
-      (two64 >> 7) * 0x1F3 + 0x5A5A5,              // mixed bits
-      (two64 << 20) | 0xFFFFF,                      // beyond 64 bits, every low bit set
+      0,                                  // monomials: no reduction
+      19936,                              //
+      19937,                              // the low terms of p
+      2 * 19937 - 2,                      // the top bit of a square
+      (two64 - 1 + 624) / 624 * 624 - 1,  // skip of 2^64 - 1 from a used-up block
+      (two64 >> 7) * 0x1F3 + 0x5A5A5,     // mixed bits
+      (two64 << 20) | 0xFFFFF,            // beyond 64 bits, every low bit set
   };
   for (const unsigned __int128 e : exponents) {
     alignas(32) uint64_t g[kMtPolyWords];
     oxa::streams::mt19937_x_pow_mod(e, g);
     const Bits expected = reference_x_pow_mod(e);
     for (int i = 0; i < kMtPolyWords; ++i) {
-      ASSERT_EQ(g[i], expected[size_t(i)]) << "exponent bits " << uint64_t(e >> 64) << ":"
-                                           << uint64_t(e) << " word " << i;
+      ASSERT_EQ(g[i], expected[size_t(i)])
+          << "exponent bits " << uint64_t(e >> 64) << ":" << uint64_t(e) << " word " << i;
     }
   }
 }
