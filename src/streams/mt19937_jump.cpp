@@ -44,8 +44,8 @@ uint64_t reverse_bits(uint64_t x) {
 // planes[b] bits at..at+15 = bit b of words w[0..15].
 void transpose16(const uint32_t* w, uint64_t (*planes)[kPlaneWords], int at) {
   // Per 128-bit lane, gather byte k of the lane's four words into dword k.
-  const __m256i gather = _mm256_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15, 0,
-                                          4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15);
+  const __m256i gather = _mm256_broadcastsi128_si256(
+      _mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
   const __m256i order = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
   __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(w));
   __m256i b = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(w + 8));
