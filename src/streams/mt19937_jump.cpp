@@ -12,9 +12,11 @@
 //   regenerations, a bit transpose of 20608 words and 32 x 322 x 12 carry-less
 //   products: about 0.25 ms for the squarings and 0.1 ms for the rest (CPU
 //   time on the shared development machine). Stack scratch about 90 KiB.
-// Needs PCLMULQDQ, which every processor with AVX2 has.
+// Needs PCLMULQDQ, which every processor with AVX2 has; uses its 256-bit form
+// (two products per instruction) where the processor has it.
 #include <immintrin.h>
 
+#include <atomic>
 #include <cstring>
 
 #include "streams/mt19937.hpp"
@@ -82,6 +84,21 @@ void sequence_planes(const uint32_t* start, uint64_t (*planes)[kPlaneWords]) {
   }
 }
 
+// Product words 310..321 of reversed g times a plane, given acc[w] = sum of
+// the 128-bit products whose low word is product word 310 + w, into
+// r[k] = coefficient 19967 + k for k < 640.
+void finish_correlation(const __m128i acc[kOutWords], uint64_t r[10]) {
+  // Product word 310 + w = low half of acc[w] ^ high half of acc[w - 1].
+  uint64_t product[kOutWords];
+  uint64_t carry = 0;
+  for (int w = 0; w < kOutWords; ++w) {
+    product[w] = uint64_t(_mm_cvtsi128_si64(acc[w])) ^ carry;
+    carry = uint64_t(_mm_extract_epi64(acc[w], 1));
+  }
+  // Coefficient 19967 is bit 63 of product word 311.
+  for (int i = 0; i < 10; ++i) r[i] = (product[i + 1] >> 63) | (product[i + 2] << 1);
+}
+
 // r[k] = XOR over i with g_i = 1 of plane bit i + k, for k < 624: product
 // coefficients 19967 + k of reversed g times the plane.
 void correlate(const uint64_t* padded_rev_g, const uint64_t* plane, uint64_t r[10]) {
@@ -98,16 +115,36 @@ void correlate(const uint64_t* padded_rev_g, const uint64_t* plane, uint64_t r[1
       acc[w + 1] = _mm_xor_si128(acc[w + 1], _mm_clmulepi64_si128(pair, s, 0x01));
     }
   }
-  // Product word 310 + w = low half of acc[w] ^ high half of acc[w - 1].
-  uint64_t product[kOutWords];
-  uint64_t carry = 0;
-  for (int w = 0; w < kOutWords; ++w) {
-    product[w] = uint64_t(_mm_cvtsi128_si64(acc[w])) ^ carry;
-    carry = uint64_t(_mm_extract_epi64(acc[w], 1));
-  }
-  // Coefficient 19967 is bit 63 of product word 311.
-  for (int i = 0; i < 10; ++i) r[i] = (product[i + 1] >> 63) | (product[i + 2] << 1);
+  finish_correlation(acc, r);
 }
+
+// The same with two products per instruction: lane 0 of even[j] and odd[j]
+// accumulates words 4j and 4j + 1, lane 1 words 4j + 2 and 4j + 3.
+[[gnu::target("vpclmulqdq")]] void correlate_wide(const uint64_t* padded_rev_g,
+                                                  const uint64_t* plane, uint64_t r[10]) {
+  __m256i even[kOutWords / 4], odd[kOutWords / 4];
+  for (int j = 0; j < kOutWords / 4; ++j) even[j] = odd[j] = _mm256_setzero_si256();
+  for (int c = 0; c < kPlaneWords; ++c) {
+    const __m256i s = _mm256_set1_epi64x(int64_t(plane[c]));
+    const uint64_t* gw = padded_rev_g + kPad + kFirstOutWord - c;
+#pragma GCC unroll 3
+    for (int j = 0; j < kOutWords / 4; ++j) {
+      const __m256i quad = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(gw + 4 * j));
+      even[j] = _mm256_xor_si256(even[j], _mm256_clmulepi64_epi128(quad, s, 0x00));
+      odd[j] = _mm256_xor_si256(odd[j], _mm256_clmulepi64_epi128(quad, s, 0x01));
+    }
+  }
+  __m128i acc[kOutWords];
+  for (int j = 0; j < kOutWords / 4; ++j) {
+    acc[4 * j] = _mm256_castsi256_si128(even[j]);
+    acc[4 * j + 1] = _mm256_castsi256_si128(odd[j]);
+    acc[4 * j + 2] = _mm256_extracti128_si256(even[j], 1);
+    acc[4 * j + 3] = _mm256_extracti128_si256(odd[j], 1);
+  }
+  finish_correlation(acc, r);
+}
+
+std::atomic<bool> narrow_only{false};
 
 // out = g(F) S for the state S whose words are start[0..623] (out[0]'s low 31
 // bits are a by-product without meaning, as in any window).
@@ -117,7 +154,15 @@ void apply_poly(const uint64_t* g, const uint32_t* start, uint32_t* out) {
   uint64_t rev[kPad + kMtPolyWords + kPad] = {};
   for (int i = 0; i < kMtPolyWords; ++i) rev[kPad + i] = reverse_bits(g[kMtPolyWords - 1 - i]);
   alignas(32) uint64_t r[32][10];
-  for (int b = 0; b < 32; ++b) correlate(rev, planes[b], r[b]);
+  const bool wide =
+      __builtin_cpu_supports("vpclmulqdq") && !narrow_only.load(std::memory_order_relaxed);
+  for (int b = 0; b < 32; ++b) {
+    if (wide) {
+      correlate_wide(rev, planes[b], r[b]);
+    } else {
+      correlate(rev, planes[b], r[b]);
+    }
+  }
   // Back from bit planes to words, eight words at a time.
   const __m256i select = _mm256_setr_epi32(1, 2, 4, 8, 16, 32, 64, 128);
   for (int k = 0; k < kMtWords; k += 8) {
@@ -133,6 +178,10 @@ void apply_poly(const uint64_t* g, const uint32_t* start, uint32_t* out) {
 }
 
 }  // namespace
+
+void mt19937_skip_narrow_products(bool narrow) {
+  narrow_only.store(narrow, std::memory_order_relaxed);
+}
 
 void mt19937_skip(Mt19937State& s, uint64_t n) {
   if (n == 0) return;

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "oxa/streams.h"
+#include "streams/mt19937.hpp"
 #include "streams/mt19937_jump_poly.hpp"
 
 namespace {
@@ -68,6 +70,33 @@ TEST(Mt19937Jump, PowersOfXMatchReference) {
           << "exponent bits " << uint64_t(e >> 64) << ":" << uint64_t(e) << " word " << i;
     }
   }
+}
+
+// Both forms of the carry-less correlation give the state of plain stepping,
+// and agree with each other on the largest count.
+TEST(Mt19937Jump, NarrowAndWideProductsAgree) {
+  const uint32_t seed[] = {7, 11, 13};
+  auto draw = [&](bool narrow, uint64_t consumed, uint64_t skip) {
+    oxa::streams::mt19937_skip_narrow_products(narrow);
+    StreamState* s = nullptr;
+    EXPECT_EQ(_vslNewStreamEx(&s, OXA_BRNG_MT19937, 3, seed), 0);
+    std::vector<uint32_t> w(consumed + 700);
+    _vsliBRngMT19937(s, int32_t(consumed), w.data());
+    if (skip != 0) {
+      EXPECT_EQ(_vslSkipAheadStream(s, skip), 0);
+    }
+    _vsliBRngMT19937(s, 700, w.data());
+    _vslDeleteStream(&s);
+    oxa::streams::mt19937_skip_narrow_products(false);
+    w.resize(700);
+    return w;
+  };
+  for (const bool narrow : {true, false}) {
+    for (const uint64_t skip : {624ull * 600 + 5, 1000003ull}) {
+      EXPECT_EQ(draw(narrow, 100, skip), draw(narrow, 100 + skip, 0)) << narrow << " " << skip;
+    }
+  }
+  EXPECT_EQ(draw(true, 3, ~uint64_t(0)), draw(false, 3, ~uint64_t(0)));
 }
 
 }  // namespace
