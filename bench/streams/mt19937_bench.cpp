@@ -2,6 +2,7 @@
 #include <benchmark/benchmark.h>
 
 #include <random>
+#include <string>
 #include <vector>
 
 #include "oxa/streams.h"
@@ -60,18 +61,35 @@ void BM_StdMt19937Doubles(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * kValues);
 }
 
-void BM_Mt19937SkipAheadMax(benchmark::State& state) {
+// Skip-ahead by count: just past the block-stepping threshold (where the
+// jump polynomial takes over), a mid-size count and the largest count.
+constexpr uint64_t kSkipCounts[] = {624 * 600, 1000000000000ull, ~uint64_t(0)};
+
+void BM_Mt19937SkipAhead(benchmark::State& state) {
+  const uint64_t count = kSkipCounts[state.range(0)];
   MtStream m;
   for (auto _ : state) {
-    _vslSkipAheadStream(m.s, ~uint64_t(0));
+    _vslSkipAheadStream(m.s, count);
     benchmark::ClobberMemory();
   }
+  state.SetLabel(std::to_string(count));
+}
+
+// The stepping peer for the smallest count.
+void BM_StdMt19937Discard(benchmark::State& state) {
+  std::mt19937 g(5489);
+  for (auto _ : state) {
+    g.discard(kSkipCounts[0]);
+    benchmark::DoNotOptimize(g);
+  }
+  state.SetLabel(std::to_string(kSkipCounts[0]));
 }
 
 BENCHMARK(BM_Mt19937Words);
 BENCHMARK(BM_StdMt19937Words);
 BENCHMARK(BM_Mt19937Doubles);
 BENCHMARK(BM_StdMt19937Doubles);
-BENCHMARK(BM_Mt19937SkipAheadMax)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Mt19937SkipAhead)->DenseRange(0, 2)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_StdMt19937Discard)->Unit(benchmark::kMicrosecond);
 
 }  // namespace

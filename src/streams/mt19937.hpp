@@ -44,4 +44,8 @@ void mt19937_words(Mt19937State& s, std::size_t n, uint32_t* out);
 // Leaves the stream as it would be after n more words were handed out.
 void mt19937_skip(Mt19937State& s, uint64_t n);
 
+// Test hook: true makes the skip-ahead use 128-bit carry-less products even
+// where 256-bit ones exist, so tests reach both forms on any machine.
+void mt19937_skip_narrow_products(bool narrow);
+
 }  // namespace oxa::streams

@@ -1,219 +1,187 @@
 // MT19937 skip-ahead by any 64-bit count.
 // Method: the recurrence state S_t = (x_t upper bit, x_{t+1} .. x_{t+623}) is
 //   a vector over GF(2) of dimension 19937 and one step is a linear map F with
-//   characteristic polynomial p (table made by tools/mt19937_poly.py). So
-//   F^J S = g(F) S with g = x^J mod p. g comes from left-to-right binary
-//   exponentiation (squaring is a bit spread; reduction uses the 134 low terms
-//   of p, 512 bits at a time) and is applied to S by Horner's rule four
-//   coefficients at a time over a table of the 16 states h(F) S, deg h < 4.
-//   Counts that stay within about 32 blocks regenerate blocks instead.
-// Cost: ~50 squarings and one 19937-step Horner pass for a count of 2^64 - 1;
-//   about 1.2-1.5 ms on the (shared, loaded) development machine.
+//   characteristic polynomial p. So F^J S = g(F) S with g = x^J mod p
+//   (mt19937_jump_poly.cpp). Since F^i S is the window of the word sequence
+//   starting at x_{t+i}, word k of g(F) S is the XOR of x_{t+i+k} over the
+//   coefficients g_i = 1: for each of the 32 bit positions that is a
+//   correlation of g with one bit plane of the sequence, i.e. 624 coefficients
+//   of a product of binary polynomials, formed with carry-less multiplication.
+//   Counts that stay within 512 blocks regenerate blocks instead.
+// Cost: for a count of 2^64 - 1 about 51 squarings modulo p, 34 block
+//   regenerations, a bit transpose of 20608 words and 32 x 322 x 12 carry-less
+//   products: about 0.25 ms for the squarings and 0.1 ms for the rest (CPU
+//   time on the shared development machine). Stack scratch about 90 KiB.
+// Needs PCLMULQDQ, which every processor with AVX2 has; uses its 256-bit form
+// (two products per instruction) where the processor has it.
 #include <immintrin.h>
 
+#include <atomic>
 #include <cstring>
 
 #include "streams/mt19937.hpp"
+#include "streams/mt19937_jump_poly.hpp"
 
 namespace oxa::streams {
 
-#include "streams/mt19937_poly.inc"
-
 namespace {
 
-constexpr int kDegree = 19937;
-constexpr int kPolyWords = 312;        // words of a reduced polynomial
-constexpr int kProductWords = 624;     // words of a square before reduction
-constexpr int kSlack = 16;             // zero words that vector tails may touch
-constexpr int kTerms = sizeof(_vsl_mt19937_poly_terms) / sizeof(_vsl_mt19937_poly_terms[0]);
-constexpr uint64_t kBlocksByStepping = 32;  // about one Horner pass of work
+// A block regenerates in about 0.1 us and the shortest polynomial jump
+// costs about 100 us, so counts up to this many blocks step instead.
+constexpr uint64_t kBlocksByStepping = 512;
+constexpr int kPlaneWords = 322;  // 20608 sequence bits >= 19937 + 623
+constexpr int kPlaneBits = 64 * kPlaneWords;
+constexpr int kReversedBits = 64 * kMtPolyWords;  // 19968: g is reversed over this width
+constexpr int kOutWords = 12;  // product words 310..321 hold coefficients 19967..20590
+constexpr int kFirstOutWord = (kReversedBits - 1) / 64 - 1;  // 310
+constexpr int kPad = kOutWords;                              // zero words around reversed g
 
-using Poly = uint64_t[kProductWords + kSlack];
-
-// Folding one 512-bit chunk H at word c >= 312: for the low term k, H lands at
-// bit 64(c - 312) + 31 + k. Relative to word c - 312 the placement depends on k
-// alone, so one table (made at compile time) lists, for each four-word output
-// block j, the terms that reach it: where to read H and by how much to shift.
-// The block's sum is formed in a register and stored once, so no load waits
-// on an overlapping store.
-constexpr int kChunkWords = 8;
-constexpr int kLead = 64 - (kDegree & 63);  // 31: bit offset of x^19937 in a chunk
-constexpr int kFoldBlocks = (kLead + 19314 + 64 * kChunkWords) / 256 + 1;
-
-struct FoldTerm {
-  int8_t word;    // H word feeding the block's first word (may be -4..7)
-  uint8_t shift;  // right shift of the H words at that offset
-};
-struct FoldPlan {
-  FoldTerm term[kFoldBlocks * 8];
-  uint16_t begin[kFoldBlocks + 1];
-};
-constexpr FoldPlan make_fold_plan() {
-  FoldPlan plan{};
-  int n = 0;
-  for (int j = 0; j < kFoldBlocks; ++j) {
-    plan.begin[j] = uint16_t(n);
-    for (int t = 0; t < kTerms; ++t) {
-      const int at = kLead + _vsl_mt19937_poly_terms[t];  // bit where H starts
-      if (at < 256 * (j + 1) && at + 64 * kChunkWords > 256 * j) {
-        const int rel = 256 * j - at;                       // in (-256, 512)
-        const int q = rel >= 0 ? rel / 64 : -((-rel + 63) / 64);  // floor
-        plan.term[n++] = FoldTerm{int8_t(q), uint8_t(rel - 64 * q)};
-      }
-    }
-  }
-  plan.begin[kFoldBlocks] = uint16_t(n);
-  return plan;
+uint64_t reverse_bits(uint64_t x) {
+  x = ((x >> 1) & 0x5555555555555555u) | ((x & 0x5555555555555555u) << 1);
+  x = ((x >> 2) & 0x3333333333333333u) | ((x & 0x3333333333333333u) << 2);
+  x = ((x >> 4) & 0x0F0F0F0F0F0F0F0Fu) | ((x & 0x0F0F0F0F0F0F0F0Fu) << 4);
+  return __builtin_bswap64(x);
 }
-constexpr FoldPlan kFold = make_fold_plan();
 
-// a[c - 312 ...] ^= H * x^(64c - 19937) * (p - x^19937); hp[4..11] = H, the
-// rest of hp zero.
-inline void fold_chunk(uint64_t* a, const uint64_t* hp, int c) {
-  uint64_t* out = a + (c - kPolyWords);
-  for (int j = 0; j < kFoldBlocks; ++j) {
-    __m256i v = _mm256_setzero_si256();
-    for (int i = kFold.begin[j]; i < kFold.begin[j + 1]; ++i) {
-      const FoldTerm f = kFold.term[i];
-      const __m256i w0 = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(hp + 4 + f.word));
-      const __m256i w1 = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(hp + 5 + f.word));
-      v = _mm256_xor_si256(v, _mm256_or_si256(_mm256_srl_epi64(w0, _mm_cvtsi32_si128(f.shift)),
-                                              _mm256_sll_epi64(w1, _mm_cvtsi32_si128(64 - f.shift))));
-    }
-    __m256i* d = reinterpret_cast<__m256i*>(out + 4 * j);
-    _mm256_storeu_si256(d, _mm256_xor_si256(_mm256_loadu_si256(d), v));
+// planes[b] bits at..at+15 = bit b of words w[0..15].
+void transpose16(const uint32_t* w, uint64_t (*planes)[kPlaneWords], int at) {
+  // Per 128-bit lane, gather byte k of the lane's four words into dword k.
+  const __m256i gather = _mm256_broadcastsi128_si256(
+      _mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
+  const __m256i order = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
+  __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(w));
+  __m256i b = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(w + 8));
+  a = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(a, gather), order);
+  b = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(b, gather), order);
+  const __m256i lo = _mm256_unpacklo_epi64(a, b), hi = _mm256_unpackhi_epi64(a, b);
+  // bytes01: byte 0 of words 0..15, then byte 1; bytes23 likewise.
+  __m256i bytes01 = _mm256_permute2x128_si256(lo, hi, 0x20);
+  __m256i bytes23 = _mm256_permute2x128_si256(lo, hi, 0x31);
+  auto put = [&](int plane, uint32_t bits) {
+    std::memcpy(reinterpret_cast<unsigned char*>(planes[plane]) + at / 8, &bits, 2);
+  };
+  for (int i = 7; i >= 0; --i) {
+    const uint32_t m01 = uint32_t(_mm256_movemask_epi8(bytes01));
+    const uint32_t m23 = uint32_t(_mm256_movemask_epi8(bytes23));
+    put(i, m01 & 0xFFFF);
+    put(8 + i, m01 >> 16);
+    put(16 + i, m23 & 0xFFFF);
+    put(24 + i, m23 >> 16);
+    bytes01 = _mm256_add_epi8(bytes01, bytes01);
+    bytes23 = _mm256_add_epi8(bytes23, bytes23);
   }
 }
 
-// a mod p for a of degree < 2*19937, in place. x^19937 = sum of the low terms,
-// so a chunk H at bit P >= 19937 becomes sum_k H x^(P - 19937 + k); the
-// highest low term is 623 below the degree, so a 512-bit chunk never feeds
-// itself, and chunks are folded from the top down.
-void reduce(uint64_t* a) {
-  alignas(32) uint64_t hp[20] = {};
-  for (int c = kProductWords - kChunkWords; c >= kPolyWords; c -= kChunkWords) {
-    std::memcpy(hp + 4, a + c, kChunkWords * sizeof(uint64_t));
-    std::memset(a + c, 0, kChunkWords * sizeof(uint64_t));
-    fold_chunk(a, hp, c);
-  }
-  // Bits 19937..19967 of word 311, one term at a time.
-  const uint64_t top = a[kPolyWords - 1] >> (kDegree & 63);
-  a[kPolyWords - 1] &= (uint64_t(1) << (kDegree & 63)) - 1;
-  for (int t = 0; top != 0 && t < kTerms; ++t) {
-    const unsigned k = _vsl_mt19937_poly_terms[t];
-    a[k >> 6] ^= top << (k & 63);
-    if (k & 63) a[(k >> 6) + 1] ^= top >> (64 - (k & 63));
+// Bit planes of the 20608 words from x_t on, where start holds x_t..x_{t+623}.
+void sequence_planes(const uint32_t* start, uint64_t (*planes)[kPlaneWords]) {
+  alignas(32) uint32_t block[kMtWords];
+  std::memcpy(block, start, sizeof block);
+  for (int at = 0;; at += kMtWords) {
+    const int words = kPlaneBits - at < kMtWords ? kPlaneBits - at : kMtWords;
+    for (int i = 0; i < words; i += 16) transpose16(block + i, planes, at + i);
+    if (at + kMtWords >= kPlaneBits) break;
+    mt19937_regenerate(block);
   }
 }
 
-void square(const uint64_t* g, uint64_t* out) {
-  constexpr uint64_t kSpread = 0x5555555555555555u;
-  for (int i = 0; i < kPolyWords; ++i) {
-    out[2 * i] = _pdep_u64(g[i] & 0xFFFFFFFFu, kSpread);
-    out[2 * i + 1] = _pdep_u64(g[i] >> 32, kSpread);
+// Product words 310..321 of reversed g times a plane, given acc[w] = sum of
+// the 128-bit products whose low word is product word 310 + w, into
+// r[k] = coefficient 19967 + k for k < 640.
+void finish_correlation(const __m128i acc[kOutWords], uint64_t r[10]) {
+  // Product word 310 + w = low half of acc[w] ^ high half of acc[w - 1].
+  uint64_t product[kOutWords];
+  uint64_t carry = 0;
+  for (int w = 0; w < kOutWords; ++w) {
+    product[w] = uint64_t(_mm_cvtsi128_si64(acc[w])) ^ carry;
+    carry = uint64_t(_mm_extract_epi64(acc[w], 1));
   }
-  std::memset(out + kProductWords, 0, kSlack * sizeof(uint64_t));
-  reduce(out);
+  // Coefficient 19967 is bit 63 of product word 311.
+  for (int i = 0; i < 10; ++i) r[i] = (product[i + 1] >> 63) | (product[i + 2] << 1);
 }
 
-void times_x(uint64_t* g) {
-  for (int i = kPolyWords - 1; i > 0; --i) g[i] = (g[i] << 1) | (g[i - 1] >> 63);
-  g[0] <<= 1;
-  if ((g[kPolyWords - 1] >> (kDegree & 63)) & 1) {
-    for (int i = 0; i < kPolyWords; ++i) g[i] ^= _vsl_mt19937_poly[i];  // clears x^19937
+// r[k] = XOR over i with g_i = 1 of plane bit i + k, for k < 624: product
+// coefficients 19967 + k of reversed g times the plane.
+void correlate(const uint64_t* padded_rev_g, const uint64_t* plane, uint64_t r[10]) {
+  __m128i acc[kOutWords];
+  for (__m128i& a : acc) a = _mm_setzero_si128();
+  for (int c = 0; c < kPlaneWords; ++c) {
+    const __m128i s = _mm_cvtsi64_si128(int64_t(plane[c]));
+    const uint64_t* gw = padded_rev_g + kPad + kFirstOutWord - c;  // reversed g word W - c
+    // Unrolled so that the twelve accumulators stay in registers.
+#pragma GCC unroll 6
+    for (int w = 0; w < kOutWords; w += 2) {
+      const __m128i pair = _mm_loadu_si128(reinterpret_cast<const __m128i*>(gw + w));
+      acc[w] = _mm_xor_si128(acc[w], _mm_clmulepi64_si128(pair, s, 0x00));
+      acc[w + 1] = _mm_xor_si128(acc[w + 1], _mm_clmulepi64_si128(pair, s, 0x01));
+    }
   }
+  finish_correlation(acc, r);
 }
 
-// g = x^e mod p. Exponents below 19937 stay monomials until they would not.
-void x_pow_mod(unsigned __int128 e, uint64_t* g) {
-  int bit = 127;
-  while (bit >= 0 && !((e >> bit) & 1)) --bit;
-  uint64_t m = 0;
-  for (; bit >= 0; --bit) {
-    const uint64_t next = 2 * m + uint64_t((e >> bit) & 1);
-    if (next >= kDegree) break;
-    m = next;
+// The same with two products per instruction: lane 0 of even[j] and odd[j]
+// accumulates words 4j and 4j + 1, lane 1 words 4j + 2 and 4j + 3.
+[[gnu::target("vpclmulqdq")]] void correlate_wide(const uint64_t* padded_rev_g,
+                                                  const uint64_t* plane, uint64_t r[10]) {
+  __m256i even[kOutWords / 4], odd[kOutWords / 4];
+  for (int j = 0; j < kOutWords / 4; ++j) even[j] = odd[j] = _mm256_setzero_si256();
+  for (int c = 0; c < kPlaneWords; ++c) {
+    const __m256i s = _mm256_set1_epi64x(int64_t(plane[c]));
+    const uint64_t* gw = padded_rev_g + kPad + kFirstOutWord - c;
+#pragma GCC unroll 3
+    for (int j = 0; j < kOutWords / 4; ++j) {
+      const __m256i quad = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(gw + 4 * j));
+      even[j] = _mm256_xor_si256(even[j], _mm256_clmulepi64_epi128(quad, s, 0x00));
+      odd[j] = _mm256_xor_si256(odd[j], _mm256_clmulepi64_epi128(quad, s, 0x01));
+    }
   }
-  std::memset(g, 0, sizeof(Poly));
-  g[m >> 6] = uint64_t(1) << (m & 63);
-  Poly sq;
-  for (; bit >= 0; --bit) {
-    square(g, sq);
-    std::memcpy(g, sq, kPolyWords * sizeof(uint64_t));
-    if ((e >> bit) & 1) times_x(g);
+  __m128i acc[kOutWords];
+  for (int j = 0; j < kOutWords / 4; ++j) {
+    acc[4 * j] = _mm256_castsi256_si128(even[j]);
+    acc[4 * j + 1] = _mm256_castsi256_si128(odd[j]);
+    acc[4 * j + 2] = _mm256_extracti128_si256(even[j], 1);
+    acc[4 * j + 3] = _mm256_extracti128_si256(odd[j], 1);
   }
+  finish_correlation(acc, r);
 }
 
-// The recurrence state as a circular window: word (idx + k) % 624 is x_{t+k}.
-struct Window {
-  uint32_t w[kMtWords];
-  int idx;
+std::atomic<bool> narrow_only{false};
 
-  void step() {
-    const int i = idx;
-    const int i1 = i + 1 == kMtWords ? 0 : i + 1;
-    const int im = i + kMtShift >= kMtWords ? i + kMtShift - kMtWords : i + kMtShift;
-    w[i] = mt19937_next_word(w[i], w[i1], w[im]);
-    idx = i1;
-  }
-  // this ^= other, for an other whose window starts at index 0.
-  void add(const uint32_t* other) {
-    xor_words(w + idx, other, kMtWords - idx);
-    xor_words(w, other + (kMtWords - idx), idx);
-  }
-  static void xor_words(uint32_t* d, const uint32_t* s, int n) {
-    int i = 0;
-    for (; i + 8 <= n; i += 8) {
-      __m256i* q = reinterpret_cast<__m256i*>(d + i);
-      _mm256_storeu_si256(q, _mm256_xor_si256(_mm256_loadu_si256(q),
-                                              _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s + i))));
+// out = g(F) S for the state S whose words are start[0..623] (out[0]'s low 31
+// bits are a by-product without meaning, as in any window).
+void apply_poly(const uint64_t* g, const uint32_t* start, uint32_t* out) {
+  alignas(32) uint64_t planes[32][kPlaneWords];
+  sequence_planes(start, planes);
+  uint64_t rev[kPad + kMtPolyWords + kPad] = {};
+  for (int i = 0; i < kMtPolyWords; ++i) rev[kPad + i] = reverse_bits(g[kMtPolyWords - 1 - i]);
+  alignas(32) uint64_t r[32][10];
+  const bool wide =
+      __builtin_cpu_supports("vpclmulqdq") && !narrow_only.load(std::memory_order_relaxed);
+  for (int b = 0; b < 32; ++b) {
+    if (wide) {
+      correlate_wide(rev, planes[b], r[b]);
+    } else {
+      correlate(rev, planes[b], r[b]);
     }
-    for (; i < n; ++i) d[i] ^= s[i];
   }
-  void copy_from_start(uint32_t* out) const {  // out[k] = x_{t+k}
-    std::memcpy(out, w + idx, (kMtWords - idx) * sizeof(uint32_t));
-    std::memcpy(out + (kMtWords - idx), w, idx * sizeof(uint32_t));
-  }
-};
-
-constexpr int kWindowBits = 4;
-
-// acc = g(F) S for the state S whose words are start[0..623].
-void apply_poly(const uint64_t* g, const uint32_t* start, Window& acc) {
-  // table[h] = h(F) S for every h of degree < kWindowBits.
-  uint32_t table[1 << kWindowBits][kMtWords];
-  Window power;
-  std::memcpy(power.w, start, sizeof power.w);
-  power.idx = 0;
-  std::memset(table[0], 0, sizeof table[0]);
-  for (int j = 0; j < kWindowBits; ++j) {
-    uint32_t* basis = table[1 << j];
-    power.copy_from_start(basis);
-    for (int h = 1; h < (1 << j); ++h) {
-      uint32_t* t = table[(1 << j) | h];
-      for (int k = 0; k < kMtWords; ++k) t[k] = basis[k] ^ table[h][k];
+  // Back from bit planes to words, eight words at a time.
+  const __m256i select = _mm256_setr_epi32(1, 2, 4, 8, 16, 32, 64, 128);
+  for (int k = 0; k < kMtWords; k += 8) {
+    __m256i w = _mm256_setzero_si256();
+    for (int b = 0; b < 32; ++b) {
+      const int byte = int((r[b][k >> 6] >> (k & 63)) & 0xFF);
+      const __m256i set =
+          _mm256_cmpeq_epi32(_mm256_and_si256(_mm256_set1_epi32(byte), select), select);
+      w = _mm256_or_si256(w, _mm256_and_si256(set, _mm256_set1_epi32(int32_t(1u << b))));
     }
-    power.step();
-  }
-  std::memset(acc.w, 0, sizeof acc.w);
-  acc.idx = 0;
-  bool started = false;
-  for (int c = (kDegree + kWindowBits - 1) / kWindowBits - 1; c >= 0; --c) {
-    const int bit = c * kWindowBits;
-    uint64_t bits = g[bit >> 6] >> (bit & 63);
-    if ((bit & 63) > 64 - kWindowBits) bits |= g[(bit >> 6) + 1] << (64 - (bit & 63));
-    const unsigned h = unsigned(bits) & ((1u << kWindowBits) - 1);
-    if (started) {
-      for (int j = 0; j < kWindowBits; ++j) acc.step();
-    }
-    if (h != 0) {
-      acc.add(table[h]);
-      started = true;
-    }
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + k), w);
   }
 }
 
 }  // namespace
+
+void mt19937_skip_narrow_products(bool narrow) {
+  narrow_only.store(narrow, std::memory_order_relaxed);
+}
 
 void mt19937_skip(Mt19937State& s, uint64_t n) {
   if (n == 0) return;
@@ -229,12 +197,12 @@ void mt19937_skip(Mt19937State& s, uint64_t n) {
   // The stream's block holds x_B .. x_{B+623}. Jump S_B to S_{B'-1} with
   // B' = B + 624*blocks; one more step yields x_{B'+623}, and the window then
   // starts at x_{B'}: the new block.
-  Poly g;
-  x_pow_mod(blocks * kMtWords - 1, g);
-  Window acc;
-  apply_poly(g, s.mt, acc);
-  acc.step();
-  acc.copy_from_start(s.mt);
+  alignas(32) uint64_t g[kMtPolyWords];
+  mt19937_x_pow_mod(blocks * kMtWords - 1, g);
+  alignas(32) uint32_t w[kMtWords];
+  apply_poly(g, s.mt, w);
+  std::memcpy(s.mt, w + 1, (kMtWords - 1) * sizeof(uint32_t));
+  s.mt[kMtWords - 1] = mt19937_next_word(w[0], w[1], w[kMtShift]);
   s.pos = pos;
 }
 
