@@ -1,17 +1,32 @@
-// Inverse square roots of the cross-product diagonal.
+// Inverse square roots of the cross-product diagonal, by the vector-math
+// InvSqrt kernel (high-accuracy slot of its dispatch table).
 //
-// To be switched to the vector-math InvSqrt kernel through its dispatch table
-// (oxa_vml_kernel_dInvSqrt_ttab / sInvSqrt) once that family exists; until
-// then a plain loop. Either way: +0 -> +inf, negative -> NaN, +inf -> +0.
+// A zero diagonal element (a constant component) gives +inf, which is the
+// kernel's singularity case: the correlation row becomes NaN/inf, which is
+// the answer, not an error of this call. So the thread's vector-math error
+// mode is set to "ignore" around the call and the mode and error status are
+// put back afterwards; the caller's vector-math state is unchanged.
 #include "summary_stats/inv_sqrt.hpp"
 
-#include <cmath>
+#include <type_traits>
+
+#include "oxa/vector_math.h"
+#include "vector_math/frame/thread_state.hpp"
 
 namespace oxa::ss {
 
 template <class T>
 void inv_sqrt_block(int64_t n, const T* a, T* r) {
-  for (int64_t i = 0; i < n; ++i) r[i] = T(1) / std::sqrt(a[i]);
+  if (n <= 0) return;
+  const int32_t saved_status = oxa_vml_kernel_GetErrStatus();
+  const uint32_t saved_mode = oxa_vml_kernel_SetMode(OXA_VML_ERRMODE_IGNORE);
+  if constexpr (std::is_same_v<T, double>)
+    oxa_vml_kernel_dInvSqrt_ttab[1](n, a, r);
+  else
+    oxa_vml_kernel_sInvSqrt_ttab[1](n, a, r);
+  // SetMode keeps fields whose argument is zero, so the exact word is written back.
+  *oxa::vml::mode_slot() = saved_mode;
+  oxa_vml_kernel_SetErrStatus(saved_status);
 }
 
 template void inv_sqrt_block<double>(int64_t, const double*, double*);

@@ -13,6 +13,7 @@
 #include <limits>
 
 #include "summary_stats/basic_fixture.hpp"
+#include "oxa/vector_math.h"
 #include "summary_stats/task.hpp"
 
 namespace {
@@ -339,3 +340,24 @@ TEST(SummaryStatsBasic, OnlySelectedComponentsAreComputedAndWritten) {
 }
 
 }  // namespace
+
+// A constant component has zero spread: its correlations are not finite, and
+// computing them leaves the caller's vector-math mode and error status alone.
+TEST(SummaryStatsBasic, ConstantComponentLeavesVectorMathStateAlone) {
+  Data d(3, 200, 31);
+  for (int64_t i = 0; i < d.n; ++i) {
+    d.by_component[1 * d.n + i] = 2.5;
+    d.by_observation[i * d.p + 1] = 2.5;
+  }
+  const uint32_t mode = OXA_VML_ERRMODE_STDERR | OXA_VML_ERRMODE_ERRNO | 0x2;
+  const uint32_t saved = oxa_vml_kernel_SetMode(mode);
+  oxa_vml_kernel_SetErrStatus(0);
+  Fixture<double> f(d, 0x10000, false);
+  ASSERT_EQ(f.run(kAllEstimates, 0x2), 0);
+  EXPECT_EQ(oxa_vml_kernel_GetMode(), mode);
+  EXPECT_EQ(oxa_vml_kernel_GetErrStatus(), 0);
+  EXPECT_FALSE(std::isfinite(f.cor[1 * 3 + 1]));
+  EXPECT_NEAR(f.cor[0], 1.0, 1e-12);
+  EXPECT_TRUE(std::isfinite(f.cor[2 * 3 + 0]));
+  oxa_vml_kernel_SetMode(saved);
+}

@@ -103,6 +103,17 @@ void store_group(T* p, V<T> x, int g) {
   std::memcpy(p, buf, sizeof(T) * static_cast<size_t>(g));
 }
 
+// In-place calls (an output array is an input array): the vector pass has
+// already stored over the special lanes' inputs, so put the inputs back from
+// the registers before the scalar routine reads them.
+template <class T>
+inline void restore_lanes(T* out, const T* in, int32_t i, V<T> x, unsigned bits) {
+  if (out != in || bits == 0) return;
+  alignas(32) T lanes[V<T>::kLanes];
+  simd::store(lanes, x);
+  for (; bits != 0; bits &= bits - 1) out[i + __builtin_ctz(bits)] = lanes[__builtin_ctz(bits)];
+}
+
 // Shapes: how one group of lanes is loaded, computed, stored and settled.
 template <class P, class T>
 struct In1Out1 {
@@ -127,6 +138,7 @@ struct In1Out1 {
       compute_store(i, V<T>::kLanes, x0, m0), compute_store(i + V<T>::kLanes, V<T>::kLanes, x1, m1);
     }
   }
+  void restore(int32_t i, const Lanes& x, unsigned bits) const { restore_lanes(r, a, i, x.a, bits); }
   void settle(int32_t i) const {
     if (const int32_t s = P::scalar(a + i, r + i); s != 0) report_error<T>(s, i, a, a, r, r, P::kName);
   }
@@ -145,6 +157,10 @@ struct In2Out1 {
   [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, V<T> mask) const {
     const V<T> y = P::vector(screen<P>(x.a, mask, P::kSafeInput), screen<P>(x.b, mask, P::kSafeInput2));
     store_group(r + i, y, g);
+  }
+  void restore(int32_t i, const Lanes& x, unsigned bits) const {
+    restore_lanes(r, a, i, x.a, bits);
+    restore_lanes(r, b, i, x.b, bits);
   }
   void settle(int32_t i) const {
     if (const int32_t s = P::scalar(a + i, b + i, r + i); s != 0)
@@ -168,6 +184,7 @@ struct In1ScalarOut1 {
     const V<T> y = P::vector(screen<P>(x.a, mask, P::kSafeInput), simd::broadcast(b));
     store_group(r + i, y, g);
   }
+  void restore(int32_t i, const Lanes& x, unsigned bits) const { restore_lanes(r, a, i, x.a, bits); }
   void settle(int32_t i) const {
     if (const int32_t s = P::scalar(a + i, &b, r + i); s != 0)
       report_error_site<T>({s, i, a, a[i], b, r, r, P::kName});
@@ -190,6 +207,10 @@ struct In1Out2 {
     store_group(r1 + i, y1, g);
     store_group(r2 + i, y2, g);
   }
+  void restore(int32_t i, const Lanes& x, unsigned bits) const {
+    restore_lanes(r1, a, i, x.a, bits);
+    restore_lanes(r2, a, i, x.a, bits);
+  }
   void settle(int32_t i) const {
     if (const int32_t s = P::scalar(a + i, r1 + i, r2 + i); s != 0)
       report_error<T>(s, i, a, a, r1, r2, P::kName);
@@ -203,6 +224,7 @@ inline void group(const Shape& io, int32_t i, int g) {
   const V<T> mask = io.special(x);
   unsigned bits = simd::lane_bits(mask) & ((1u << g) - 1u);
   io.compute_store(i, g, x, mask);
+  io.restore(i, x, bits);
   while (bits != 0) {
     const int k = __builtin_ctz(bits);
     bits &= bits - 1;
@@ -229,6 +251,10 @@ void run(int64_t count, const Shape& io) {
       io.compute_store(i + W, W, x1, m1);
     }
     unsigned bits = simd::lane_bits(m0) | (simd::lane_bits(m1) << W);
+    if (bits != 0) {
+      io.restore(i, x0, bits & ((1u << W) - 1u));
+      io.restore(i + W, x1, bits >> W);
+    }
     while (bits != 0) {
       const int k = __builtin_ctz(bits);
       bits &= bits - 1;
