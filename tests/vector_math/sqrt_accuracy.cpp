@@ -1,7 +1,9 @@
 // Accuracy of the square-root and reciprocal-square-root kernels against
 // MPFR over all positive floating-point numbers: subnormals, the seams of the
 // scaled ranges, the top binade, and binade edges where estimates are worst.
+#include <bit>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
 #include "oxa/vector_math.h"
@@ -48,6 +50,35 @@ TEST(SqrtAccuracy, ReciprocalSquareRoot) {
   check<float>("sInvSqrt",
                {oxa_vml_kernel_sInvSqrt_E9HAynn, oxa_vml_kernel_sInvSqrt_E9LAynn, oxa_vml_kernel_sInvSqrt_E9EPnnn},
                mpfr_rec_sqrt, 1.0);
+}
+
+// Long tier (OXA_VML_EXHAUSTIVE=1): every positive float, in slices.
+TEST(SqrtAccuracy, EveryPositiveFloat) {
+  if (std::getenv("OXA_VML_EXHAUSTIVE") == nullptr) GTEST_SKIP() << "set OXA_VML_EXHAUSTIVE=1 to run";
+  const struct {
+    const char* name;
+    Kernel<float> k[3];
+    oxa::test::Reference reference;
+    double ha_ulps;
+  } rows[] = {{"sSqrt", {oxa_vml_kernel_sSqrt_E9HAynn, oxa_vml_kernel_sSqrt_E9LAynn, oxa_vml_kernel_sSqrt_E9EPnnn},
+               mpfr_sqrt, 0.5},
+              {"sInvSqrt", {oxa_vml_kernel_sInvSqrt_E9HAynn, oxa_vml_kernel_sInvSqrt_E9LAynn,
+                            oxa_vml_kernel_sInvSqrt_E9EPnnn}, mpfr_rec_sqrt, 1.0}};
+  constexpr uint32_t kSlice = 1u << 22;
+  for (const auto& row : rows) {
+    for (uint32_t first = 1; first < 0x7F800000u; first += kSlice) {
+      std::vector<float> slice;
+      for (uint32_t b = first; b < first + kSlice && b < 0x7F800000u; ++b) slice.push_back(std::bit_cast<float>(b));
+      const auto reports = oxa::test::measure<float>(
+          {{"HA", row.k[0], Bound::ulps(row.ha_ulps)}, {"LA", row.k[1], Bound::ulps(row.ha_ulps == 0.5 ? 0.5 : 4.0)},
+           {"EP", row.k[2], Bound::relative(0x1p-11)}},
+          row.reference, oxa::test::Domain<float>{1.0f, 1.0f}, slice, 0);
+      for (const auto& r : reports) {
+        ASSERT_LE(r.max_ulp, r.bound.max_ulp > 0 ? r.bound.max_ulp : INFINITY) << row.name << " " << r.name;
+        ASSERT_LE(r.max_rel, r.bound.max_rel > 0 ? r.bound.max_rel : INFINITY) << row.name << " " << r.name;
+      }
+    }
+  }
 }
 
 }  // namespace

@@ -1,19 +1,19 @@
 // InvSqrt: r = 1/sqrt(a).
-// Method: no division. The processor's 12-bit estimate of 1/sqrt(x) (double:
-//   of the float nearest x, or of x's significand for HA and LA) corrected
-//   through its residual e = 1 - x y^2 by the series of (1 - e)^(-1/2)
-//   (invsqrt/rsqrt_core.hpp). In HA and LA the estimate's square is exact,
-//   so the residual is too, and the result is within 0.5 ulp plus a tiny
-//   truncation error; EP
-//   stops at a relative error below 2^-32 (double) or takes the estimate as
-//   it stands (float).
+// Method: no division. An estimate of 1/sqrt(x) corrected through its
+//   residual e = 1 - x y^2 by the series of (1 - e)^(-1/2)
+//   (invsqrt/rsqrt_core.hpp). HA and LA: double starts from the bit pattern,
+//   float from the processor's 12-bit estimate; the last estimate is cut so
+//   that its square, and so the residual, is exact, and the result is within
+//   0.5 ulp plus a tiny truncation error. EP: the processor's estimate (of
+//   the nearest float, for double) with one second-order correction in
+//   double, or as it stands in float.
 // Accuracy: HA and LA d 0.50 ulp, s 0.51 ulp; EP d 2^-34.6 rel, s 2^-11.9 rel
 //   (measured by tests/vector_math/invsqrt_accuracy).
 // Special: +-0 -> +-inf, status 2; a < 0 (including -inf) -> NaN, status 1;
 //   +inf -> +0; NaN -> NaN quietly. Inputs outside the fast range (subnormal;
-//   float >= 2^125; for double EP outside [2^-126, 2^126)) are scaled by an
-//   even power of two in the scalar routine; subnormal inputs count as zero
-//   when the mode flushes denormals.
+//   double >= 2^1022, float >= 2^125; double EP outside [2^-126, 2^126)) are
+//   scaled by an even power of two in the scalar routine; subnormal inputs
+//   count as zero when the mode flushes denormals.
 #include <cstdint>
 #include <limits>
 #include <type_traits>
