@@ -8,7 +8,7 @@
 #include <string>
 
 #include "oxa/vector_math.h"
-#include "vector_math/special_harness.hpp"
+#include "vector_math/edge_value_harness.hpp"
 
 namespace {
 

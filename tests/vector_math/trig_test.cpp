@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "oxa/vector_math.h"
-#include "vector_math/special_harness.hpp"
+#include "vector_math/edge_value_harness.hpp"
 
 extern "C" int32_t oxa_vml_kernel_reduce_pio2d(double x, double* r);
 
