@@ -44,10 +44,7 @@ struct Vml<float> {
   static constexpr auto& powx = oxa_vml_kernel_sPowx_ttab;
 };
 
-// The mode word is put back by writing the thread's slot: SetMode leaves a
-// field alone when the argument's field is zero, so it cannot restore a mode
-// whose error or denormal field was empty.
-inline void restore_mode(uint32_t mode) { *oxa::vml::mode_slot() = mode; }
+using oxa::vml::restore_mode;
 
 // Calls kernel(args...) with denormal results kept and denormal inputs not
 // flushed, whatever the caller's mode asks, and restores the mode after.

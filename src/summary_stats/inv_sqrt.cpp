@@ -24,8 +24,7 @@ void inv_sqrt_block(int64_t n, const T* a, T* r) {
     oxa_vml_kernel_dInvSqrt_ttab[1](n, a, r);
   else
     oxa_vml_kernel_sInvSqrt_ttab[1](n, a, r);
-  // SetMode keeps fields whose argument is zero, so the exact word is written back.
-  *oxa::vml::mode_slot() = saved_mode;
+  oxa::vml::restore_mode(saved_mode);
   oxa_vml_kernel_SetErrStatus(saved_status);
 }
 

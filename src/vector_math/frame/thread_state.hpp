@@ -20,4 +20,11 @@ const void** input_vector_slot();
 // is 0. A stored 0 stays "uninitialised", so the environment is read again.
 uint32_t current_mode();
 
+// Puts back a mode word saved from SetMode's return value, exactly. SetMode
+// itself cannot: it leaves a field alone when the argument's field is zero, so
+// it cannot restore a word whose error or denormal field was empty. Callers
+// that change the mode around a kernel call (distributions, summary
+// statistics) restore through this.
+inline void restore_mode(uint32_t mode) { *mode_slot() = mode; }
+
 }  // namespace oxa::vml
