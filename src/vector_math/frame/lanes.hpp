@@ -39,10 +39,10 @@ inline Vec<float> round_even(Vec<float> a) {
 }
 
 // |a| (the sign bit cleared) and the sign bit alone.
-inline Vec<double> abs(Vec<double> a) { return and_not(a, simd::broadcast(-0.0)); }
-inline Vec<float> abs(Vec<float> a) { return and_not(a, simd::broadcast(-0.0f)); }
-inline Vec<double> sign_bit(Vec<double> a) { return bit_and(a, simd::broadcast(-0.0)); }
-inline Vec<float> sign_bit(Vec<float> a) { return bit_and(a, simd::broadcast(-0.0f)); }
+inline Vec<double> abs(Vec<double> a) { return lanes::and_not(a, simd::broadcast(-0.0)); }
+inline Vec<float> abs(Vec<float> a) { return lanes::and_not(a, simd::broadcast(-0.0f)); }
+inline Vec<double> sign_bit(Vec<double> a) { return lanes::bit_and(a, simd::broadcast(-0.0)); }
+inline Vec<float> sign_bit(Vec<float> a) { return lanes::bit_and(a, simd::broadcast(-0.0f)); }
 
 }  // namespace oxa::vml::lanes
 
