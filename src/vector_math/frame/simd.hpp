@@ -29,7 +29,9 @@
 //   masks: & | ^, and_not, ~, any, lane_bits (bit k = lane k),
 //     select(m, a, b) (b where m is set, else a), keep_where(m, x) (x or 0),
 //     zero_where(m, x) (0 or x), mask_cast<U>(m) between lane types of one width,
-//     widen(m) from Mask<int32_t, Half<Isa>> to Mask<double, Isa>;
+//     widen(m) from Mask<int32_t, Half<Isa>> to Mask<double, Isa>,
+//     sign_mask(x): the lanes whose sign bit is set (on Avx2 good for
+//     select, lane_bits, any and mask logic only);
 //   bit casts: bits(Vec<double>) -> Vec<int64_t>, bits(Vec<float>) ->
 //     Vec<int32_t>, from_bits(...) back;
 //   integers: + - on int64/int32 lanes, shl<n>, shr<n> (logical), sar<n>

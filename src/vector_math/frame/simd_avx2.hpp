@@ -188,6 +188,11 @@ inline Mask<T, Avx2> operator~(Mask<T, Avx2> m) {
   if constexpr (std::is_integral_v<T>) return {(v ^ Vec<T, Avx2>(T(-1))).v};
   else return {from_bits(bits(v) ^ Vec<IntOf<T>, Avx2>(IntOf<T>(-1))).v};
 }
+// Lanes whose sign bit is set. Avx2: the vector itself, which select,
+// lane_bits, any and the mask logic read by its sign bits alone (no
+// instruction needed); keep_where and zero_where need a compare's mask.
+inline Mask<double, Avx2> sign_mask(VAd x) { return {x.v}; }
+inline Mask<float, Avx2> sign_mask(VAf x) { return {x.v}; }
 inline Mask<double, Avx2> widen(Mask<int32_t, Sse> m) { return {_mm256_castsi256_pd(_mm256_cvtepi32_epi64(m.m))}; }
 
 // Conversions.

@@ -135,6 +135,9 @@ inline VZd from_bits(VZl b) { return {_mm512_castsi512_pd(b.v)}; }
 inline VZf from_bits(VZi b) { return {_mm512_castsi512_ps(b.v)}; }
 template <class U, class T>
 inline Mask<U, Avx512> mask_cast(Mask<T, Avx512> m) requires(sizeof(U) == sizeof(T)) { return {m.m}; }
+// Lanes whose sign bit is set.
+inline MZd sign_mask(VZd x) { return {_mm512_movepi64_mask(_mm512_castpd_si512(x.v))}; }
+inline MZf sign_mask(VZf x) { return {_mm512_movepi32_mask(_mm512_castps_si512(x.v))}; }
 inline MZd widen(Mask<int32_t, Avx2> m) { return {_mm256_movepi32_mask(m.m)}; }
 
 inline VZd to_double(VAi x) { return {_mm512_cvtepi32_pd(x.v)}; }
