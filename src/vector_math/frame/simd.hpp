@@ -178,8 +178,8 @@ inline Rows4 rows4(const double* table, __m128i offsets) { return row_pointers(t
 inline Rows4 rows4(const double* table, __m256i rows, int row_length) { return row_pointers(table, VAl{rows}, row_length); }
 inline void gather_rows4(const Rows4& rows, int j, Vec<double> out[4]) { gather_columns(rows, j, out); }
 inline void gather_rows8(const float* table, __m256i offsets, Vec<float> out[4]) { gather_rows(table, VAi{offsets}, out); }
-template <class T>
-inline Mask<T> as_mask(Mask<T> m) { return m; }
+template <class T, class Isa>
+inline Mask<T, Isa> as_mask(Mask<T, Isa> m) { return m; }
 template <class T>
 inline Mask<T> as_mask(Vec<T> m) { return {m.v}; }
 }  // namespace oxa::vml::simd

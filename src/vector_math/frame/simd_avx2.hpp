@@ -176,17 +176,10 @@ inline VAd from_bits(VAl b) { return {_mm256_castsi256_pd(b.v)}; }
 inline VAf from_bits(VAi b) { return {_mm256_castsi256_ps(b.v)}; }
 template <class U, class T>
 inline Mask<U, Avx2> mask_cast(Mask<T, Avx2> m) requires(sizeof(U) == sizeof(T)) {
-  using N = typename Native<U, Avx2>::mask;
   if constexpr (std::is_same_v<U, T>) return m;
-  else if constexpr (std::is_same_v<N, __m256d>) return {_mm256_castsi256_pd(bits(as_vec(m)).v)};
-  else if constexpr (std::is_same_v<N, __m256>) return {_mm256_castsi256_ps(bits(as_vec(m)).v)};
+  else if constexpr (std::is_same_v<U, double>) return {_mm256_castsi256_pd(bits(as_vec(m)).v)};
+  else if constexpr (std::is_same_v<U, float>) return {_mm256_castsi256_ps(bits(as_vec(m)).v)};
   else return {bits(as_vec(m)).v};
-}
-template <class T>
-inline Mask<T, Avx2> operator~(Mask<T, Avx2> m) {
-  const Vec<T, Avx2> v = as_vec(m);
-  if constexpr (std::is_integral_v<T>) return {(v ^ Vec<T, Avx2>(T(-1))).v};
-  else return {from_bits(bits(v) ^ Vec<IntOf<T>, Avx2>(IntOf<T>(-1))).v};
 }
 // Lanes whose sign bit is set. Avx2: the vector itself, which select,
 // lane_bits, any and the mask logic read by its sign bits alone (no
