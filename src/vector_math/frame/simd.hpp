@@ -19,7 +19,8 @@
 // Operations (all ISAs unless noted):
 //   load<Isa>(p), store(p, v), broadcast<Isa>(x);
 //   + - * / (and unary -), fma(a,b,c) = a*b+c, fms = a*b-c, fnma = c-a*b,
-//     each rounded once (also on plain double and float); sqrt, min, max,
+//     each rounded once (also on plain double and float); sqrt (also on
+//     plain double and float, errno untouched), min, max,
 //     abs, sign_bit, round_even / floor / ceil / trunc (no exception),
 //     rint (current rounding mode);
 //   & | ^ on any Vec, and_not(a, b) = a & ~b;
@@ -133,6 +134,10 @@ inline double fnma(double a, double b, double c) { return std::fma(-a, b, c); }
 inline float fma(float a, float b, float c) { return std::fma(a, b, c); }
 inline float fms(float a, float b, float c) { return std::fma(a, b, -c); }
 inline float fnma(float a, float b, float c) { return std::fma(-a, b, c); }
+// Correctly rounded square roots of one element, NaN (invalid raised) below
+// zero, errno untouched.
+inline double sqrt(double x) { return _mm_cvtsd_f64(_mm_sqrt_sd(_mm_setzero_pd(), _mm_set_sd(x))); }
+inline float sqrt(float x) { return _mm_cvtss_f32(_mm_sqrt_ss(_mm_set_ss(x))); }
 
 }  // namespace oxa::vml::simd
 
