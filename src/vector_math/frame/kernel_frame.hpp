@@ -99,13 +99,6 @@ constexpr bool formula_takes_any_input() {
   return false;
 }
 
-// Transitional: a policy that still names itself.
-template <class P, class F, class T, Acc A>
-constexpr const char* error_name() {
-  if constexpr (requires { P::kName; }) return P::kName;
-  else return kErrorName<F, T, A>;
-}
-
 // The inputs the vector formula sees: special lanes replaced by `safe`,
 // unless the family's formula takes any input.
 template <class P, class T, class Isa>
@@ -156,7 +149,7 @@ struct In1Out1 {
   struct Lanes { V a; };
   static constexpr T kSafe = safe_input<P, T>();
   Lanes load(int32_t i, int g) const { return {load_group<Isa>(a + i, g, kSafe)}; }
-  static Mask<T, Isa> special(const Lanes& x) { return simd::as_mask(P::special(x.a)); }
+  static Mask<T, Isa> special(const Lanes& x) { return P::special(x.a); }
   [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, Mask<T, Isa> mask) const {
     const V y = P::vector(screen<P>(x.a, mask, kSafe));
     store_group(r + i, y, g);
@@ -189,7 +182,7 @@ struct In2Out1 {
   Lanes load(int32_t i, int g) const {
     return {load_group<Isa>(a + i, g, kSafe), load_group<Isa>(b + i, g, kSafe2)};
   }
-  static Mask<T, Isa> special(const Lanes& x) { return simd::as_mask(P::special(x.a, x.b)); }
+  static Mask<T, Isa> special(const Lanes& x) { return P::special(x.a, x.b); }
   [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, Mask<T, Isa> mask) const {
     const V y = P::vector(screen<P>(x.a, mask, kSafe), screen<P>(x.b, mask, kSafe2));
     store_group(r + i, y, g);
@@ -215,7 +208,7 @@ struct In1ScalarOut1 {
   struct Lanes { V a; };
   static constexpr T kSafe = safe_input<P, T>();
   Lanes load(int32_t i, int g) const { return {load_group<Isa>(a + i, g, kSafe)}; }
-  Mask<T, Isa> special(const Lanes& x) const { return simd::as_mask(P::special(x.a, V(b))); }
+  Mask<T, Isa> special(const Lanes& x) const { return P::special(x.a, V(b)); }
   [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, Mask<T, Isa> mask) const {
     const V y = P::vector(screen<P>(x.a, mask, kSafe), V(b));
     store_group(r + i, y, g);
@@ -237,7 +230,7 @@ struct In1Out2 {
   struct Lanes { V a; };
   static constexpr T kSafe = safe_input<P, T>();
   Lanes load(int32_t i, int g) const { return {load_group<Isa>(a + i, g, kSafe)}; }
-  static Mask<T, Isa> special(const Lanes& x) { return simd::as_mask(P::special(x.a)); }
+  static Mask<T, Isa> special(const Lanes& x) { return P::special(x.a); }
   [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, Mask<T, Isa> mask) const {
     V y1, y2;
     P::vector(screen<P>(x.a, mask, kSafe), y1, y2);
@@ -311,25 +304,25 @@ void run(int64_t count, const Shape& io) {
 template <class F, class T, Acc A, class Isa>
 void kernel_in1_out1(int64_t n, const T* a, T* r) {
   using P = Policy<F, T, A>;
-  frame::run<P, T, Isa>(n, frame::In1Out1<P, T, Isa>{a, r, frame::error_name<P, F, T, A>()});
+  frame::run<P, T, Isa>(n, frame::In1Out1<P, T, Isa>{a, r, kErrorName<F, T, A>});
 }
 
 template <class F, class T, Acc A, class Isa>
 void kernel_in2_out1(int64_t n, const T* a, const T* b, T* r) {
   using P = Policy<F, T, A>;
-  frame::run<P, T, Isa>(n, frame::In2Out1<P, T, Isa>{a, b, r, frame::error_name<P, F, T, A>()});
+  frame::run<P, T, Isa>(n, frame::In2Out1<P, T, Isa>{a, b, r, kErrorName<F, T, A>});
 }
 
 template <class F, class T, Acc A, class Isa>
 void kernel_in1_scalar_out1(int64_t n, const T* a, T b, T* r) {
   using P = Policy<F, T, A>;
-  frame::run<P, T, Isa>(n, frame::In1ScalarOut1<P, T, Isa>{a, b, r, frame::error_name<P, F, T, A>()});
+  frame::run<P, T, Isa>(n, frame::In1ScalarOut1<P, T, Isa>{a, b, r, kErrorName<F, T, A>});
 }
 
 template <class F, class T, Acc A, class Isa>
 void kernel_in1_out2(int64_t n, const T* a, T* r1, T* r2) {
   using P = Policy<F, T, A>;
-  frame::run<P, T, Isa>(n, frame::In1Out2<P, T, Isa>{a, r1, r2, frame::error_name<P, F, T, A>()});
+  frame::run<P, T, Isa>(n, frame::In1Out2<P, T, Isa>{a, r1, r2, kErrorName<F, T, A>});
 }
 
 }  // namespace oxa::vml

@@ -105,7 +105,6 @@ struct Vec {
   Vec() = default;
   Vec(native n) : v(n) {}  // NOLINT: implicit, so that {intrinsic(...)} reads as a Vec
   explicit Vec(T x);       // broadcast (defined per instruction set)
-  operator native() const { return v; }  // transitional: families not yet on the layer
 };
 
 template <class T, class Isa = Avx2>
@@ -166,25 +165,4 @@ inline Mask<T, Isa> operator>(Vec<T, Isa> a, Vec<T, Isa> b) requires std::is_flo
 template <class T, class Isa>
 inline Mask<T, Isa> operator>=(Vec<T, Isa> a, Vec<T, Isa> b) requires std::is_floating_point_v<T> { return b <= a; }
 
-}  // namespace oxa::vml::simd
-
-// Transitional: the interface of the AVX2-only wrapper, for families not yet
-// on the layer.
-namespace oxa::vml::simd {
-inline Vec<double> from_bits_d(__m256i b) { return {_mm256_castsi256_pd(b)}; }
-inline Vec<float> from_bits_f(__m256i b) { return {_mm256_castsi256_ps(b)}; }
-inline Vec<double> widen_mask(__m128i m) { return from_bits_d(_mm256_cvtepi32_epi64(m)); }
-inline Vec<double> select(Vec<double> m, Vec<double> a, Vec<double> b) { return {_mm256_blendv_pd(a.v, b.v, m.v)}; }
-inline Vec<float> select(Vec<float> m, Vec<float> a, Vec<float> b) { return {_mm256_blendv_ps(a.v, b.v, m.v)}; }
-inline unsigned lane_bits(Vec<double> m) { return static_cast<unsigned>(_mm256_movemask_pd(m.v)); }
-inline unsigned lane_bits(Vec<float> m) { return static_cast<unsigned>(_mm256_movemask_ps(m.v)); }
-using Rows4 = RowPointers<Avx2>;
-inline Rows4 rows4(const double* table, __m128i offsets) { return row_pointers(table, VSi{offsets}); }
-inline Rows4 rows4(const double* table, __m256i rows, int row_length) { return row_pointers(table, VAl{rows}, row_length); }
-inline void gather_rows4(const Rows4& rows, int j, Vec<double> out[4]) { gather_columns(rows, j, out); }
-inline void gather_rows8(const float* table, __m256i offsets, Vec<float> out[4]) { gather_rows(table, VAi{offsets}, out); }
-template <class T, class Isa>
-inline Mask<T, Isa> as_mask(Mask<T, Isa> m) { return m; }
-template <class T>
-inline Mask<T> as_mask(Vec<T> m) { return {m.v}; }
 }  // namespace oxa::vml::simd
