@@ -16,7 +16,8 @@
 // Mask<T, Isa>: one bit per lane of Vec<T, Isa> (Avx2: all-ones lanes;
 //   Avx512: a mask register).
 //
-// Operations (all ISAs unless noted):
+// Operations (Avx2 and Avx512; Sse has only what the half-width vectors
+// need: the int32 operations, the estimates, widen, demote and promote):
 //   load<Isa>(p), store(p, v), broadcast<Isa>(x);
 //   + - * / (and unary -), fma(a,b,c) = a*b+c, fms = a*b-c, fnma = c-a*b,
 //     each rounded once (also on plain double and float); sqrt (also on
