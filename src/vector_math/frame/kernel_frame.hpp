@@ -301,7 +301,9 @@ inline void group(const Shape& io, int32_t i, int g) {
 
 // The blocked loop shared by every shape.
 template <class P, class T, class Isa, class Shape>
-void run(int64_t count, const Shape& io) {
+void run(int64_t count, const Shape& shape) {
+  // A local copy keeps the array pointers in registers across the stores.
+  const Shape io = shape;
   constexpr int W = Vec<T, Isa>::kLanes;
   const int32_t n = static_cast<int32_t>(count);  // the arithmetic kernels use 32 bits of n
   if (n <= 0) return;
