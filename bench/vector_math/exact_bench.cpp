@@ -4,6 +4,7 @@
 #include <immintrin.h>
 
 #include <cmath>
+#include <string>
 
 #if __has_include(<sleef.h>)
 #include <sleef.h>
@@ -28,6 +29,14 @@ void sleef_hypot(int64_t n, const double* a, const double* b, double* r) {
     _mm256_storeu_pd(r + i, Sleef_hypotd4_u05avx2(_mm256_loadu_pd(a + i), _mm256_loadu_pd(b + i)));
 }
 #endif
+
+// The linear fraction with fixed scalars, as a two-input kernel.
+void linear_frac_d(int64_t n, const double* a, const double* b, double* r) {
+  oxa_vml_kernel_dLinearFrac_H8HAynn(n, a, b, 1.5, 0.25, 0.75, 2.0, r);
+}
+void linear_frac_s(int64_t n, const float* a, const float* b, float* r) {
+  oxa_vml_kernel_sLinearFrac_H8HAynn(n, a, b, 1.5f, 0.25f, 0.75f, 2.0f, r);
+}
 
 // Two-input candidate (a from a[0, n), b from a[n, 2n)).
 Candidate two(const char* f, const char* cls, const char* name, bool ours,
@@ -71,10 +80,37 @@ const oxa::bench::Registrar registrar([] {
   add(one("dInv", "cr", "oxa HA", true, oxa_vml_kernel_dInv_E9HAynn, positive));
   add(one("dInv", "cr", "vdivpd loop", false, loops::inv, positive));
   add(two("dHypot", "1ulp", "oxa HA", true, oxa_vml_kernel_dHypot_E9HAynn, fill));
+  add({"sHypot", "1ulp", "oxa HA", true, kernel(oxa_vml_kernel_sHypot_E9HAynn), fill_s, true, 2});
+  add({"dLinearFrac", "1ulp", "oxa HA", true, kernel(linear_frac_d), positive, false, 2});
+  add({"sLinearFrac", "1ulp", "oxa HA", true, kernel(linear_frac_s), fill_s, true, 2});
   add(two("dHypot", "1ulp", "glibc loop", false, loops::hypot, fill));
 #ifdef OXA_BENCH_HAVE_SLEEF
   add(two("dHypot", "1ulp", "SLEEF u05", false, sleef_hypot, fill));
 #endif
+  // The remaining kernels of the catalogue rows, for their cost column.
+  const struct {
+    const char* name;
+    void (*d)(int64_t, const double*, double*);
+    void (*s)(int64_t, const float*, float*);
+  } unary[] = {{"Sqr", nullptr, oxa_vml_kernel_sSqr_E9HAynn},
+               {"Abs", nullptr, oxa_vml_kernel_sAbs_E9HAynn},
+               {"Inv", nullptr, oxa_vml_kernel_sInv_E9HAynn},
+               {"Ceil", oxa_vml_kernel_dCeil_E9HAynn, oxa_vml_kernel_sCeil_E9HAynn},
+               {"Floor", nullptr, oxa_vml_kernel_sFloor_E9HAynn},
+               {"Round", nullptr, oxa_vml_kernel_sRound_E9HAynn},
+               {"Trunc", oxa_vml_kernel_dTrunc_E9HAynn, oxa_vml_kernel_sTrunc_E9HAynn},
+               {"Rint", oxa_vml_kernel_dRint_E9HAynn, oxa_vml_kernel_sRint_E9HAynn},
+               {"NearbyInt", oxa_vml_kernel_dNearbyInt_E9HAynn, oxa_vml_kernel_sNearbyInt_E9HAynn},
+               {"Frac", nullptr, oxa_vml_kernel_sFrac_E9HAynn}};
+  for (const auto& u : unary) {
+    if (u.d != nullptr)
+      add(one(("d" + std::string(u.name)).c_str(), "exact", "oxa HA", true, u.d, fill));
+    add({"s" + std::string(u.name), "exact", "oxa HA", true, kernel(u.s), fill_s, true});
+  }
+  add({"sSub", "exact", "oxa HA", true, kernel(oxa_vml_kernel_sSub_E9HAynn), fill_s, true, 2});
+  add(two("dSub", "exact", "oxa HA", true, oxa_vml_kernel_dSub_E9HAynn, fill));
+  add({"sMul", "exact", "oxa HA", true, kernel(oxa_vml_kernel_sMul_E9HAynn), fill_s, true, 2});
+  add({"sModf", "exact", "oxa HA", true, kernel(oxa_vml_kernel_sModf_E9HAynn), fill_s, true, 1, 2});
 });
 
 }  // namespace
