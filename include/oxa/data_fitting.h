@@ -50,8 +50,39 @@ enum { DF_STORE_DEFAULT = 0, DF_STORE_ROWS = 16, DF_STORE_COLS = 32, DF_STORE_SE
 /* Site hints of a search: sorted ascending, or uniform given by the two ends. */
 enum { DF_SITE_UNIFORM = 4, DF_SITE_SORTED = 64 };
 
-/* Boundary-condition type of the periodic condition. */
-enum { DF_BC_PERIODIC = 64 };
+/* Boundary-condition bits. DF_BC_NOT_A_KNOT, DF_BC_FREE_END and
+ * DF_BC_PERIODIC stand alone and carry no values. Otherwise one left bit
+ * (first or second derivative at x[0]) and one right bit (at x[nx-1]) are
+ * combined; bc then holds one value per bit, lowest bit first, shared by all
+ * functions. */
+enum {
+  DF_BC_NOT_A_KNOT = 1,
+  DF_BC_FREE_END = 2,     /* second derivative 0 at both ends */
+  DF_BC_FIRST_LEFT = 4,   /* first derivative at x[0] */
+  DF_BC_FIRST_RIGHT = 8,  /* first derivative at x[nx-1] */
+  DF_BC_SECOND_LEFT = 16, /* second derivative at x[0] */
+  DF_BC_SECOND_RIGHT = 32,/* second derivative at x[nx-1] */
+  DF_BC_PERIODIC = 64
+};
+
+/* Spline orders (s_order) and types (s_type). */
+enum { DF_ORDER_STEP = 0, DF_ORDER_LINEAR = 2, DF_ORDER_QUADRATIC = 3, DF_ORDER_CUBIC = 4 };
+enum {
+  DF_TYPE_DEFAULT = 0,    /* order 3: standard; order 4: as DF_TYPE_NATURAL */
+  DF_TYPE_SUBBOTIN = 1,   /* order 3 with knots between the breakpoints */
+  DF_TYPE_NATURAL = 2,    /* order 4, conditions from bc_type */
+  DF_TYPE_HERMITE = 3,    /* order 4, first derivatives given in ic */
+  DF_TYPE_BESSEL = 4,     /* order 4, derivatives of local parabolas */
+  DF_TYPE_AKIMA = 5,      /* order 4, Akima's weighted slopes */
+  DF_TYPE_LOOKUP = 6,     /* order 0: y_i at x[i], NaN elsewhere */
+  DF_TYPE_STEP_RIGHT = 7, /* order 0: y_m on [x[m], x[m+1]) */
+  DF_TYPE_STEP_LEFT = 8   /* order 0: y_{m+1} on (x[m], x[m+1]] */
+};
+
+/* Internal-condition type of the Hermite cubic: ic holds the first
+ * derivatives of every function at every breakpoint, function j's nx values
+ * from ic + j*nx. */
+enum { DF_IC_FIRST_DER = 1 };
 
 /* Ids of oxa_df_kernel_iEditVal / iQueryVal. */
 enum {
@@ -344,6 +375,36 @@ oxa_status oxa_df_kernel_dDFLinearSpline1D(DfTask* task, int64_t method, const v
                                            const DfThreading* threading);
 oxa_status oxa_df_kernel_sDFLinearSpline1D(DfTask* task, int64_t method, const void* extra,
                                            const DfThreading* threading);
+
+/* ---- Cubic spline construction ------------------------------------------ */
+
+/* Writes, for every function j and cell m, the coefficients c0..c3 of
+ * c0 + c1*u + c2*u^2 + c3*u^3, u = t - x[m], at positions 4m .. 4m+3 of
+ * function j's coefficient block. The task's s_order must be 4
+ * (DF_ERR_BAD_ORDER) and s_type one of:
+ *   DF_TYPE_DEFAULT, DF_TYPE_NATURAL: twice continuously differentiable;
+ *     bc_type 0 or DF_BC_FREE_END (second derivative 0 at both ends),
+ *     DF_BC_NOT_A_KNOT, DF_BC_PERIODIC (first and last values equal, else
+ *     DF_ERR_PERIODIC_VALUES), or one left bit (DF_BC_FIRST_LEFT,
+ *     DF_BC_SECOND_LEFT) with one right bit (DF_BC_FIRST_RIGHT,
+ *     DF_BC_SECOND_RIGHT) and bc = {left value, right value}, shared by all
+ *     functions. Not-a-knot on 2 points gives the line, on 3 the parabola.
+ *   DF_TYPE_HERMITE: ic_type DF_IC_FIRST_DER, ic the derivatives at every
+ *     breakpoint (function j's from ic + j*nx).
+ *   DF_TYPE_BESSEL: slopes of the parabolas through three neighbours.
+ *   DF_TYPE_AKIMA: Akima's slopes, two secants extrapolated at each end.
+ *   The last three take bc_type 0 only.
+ * Failures, all before any coefficient is written: DF_ERR_NULL_TASK,
+ * DF_ERR_UNEXPECTED_ARG (extra not NULL), DF_ERR_BAD_NX, DF_ERR_BAD_ORDER,
+ * DF_ERR_BAD_TYPE, DF_ERR_BAD_BC_TYPE (a condition the type cannot take),
+ * DF_ERR_BAD_BC (values needed, bc NULL), DF_ERR_BAD_IC_TYPE, DF_ERR_BAD_IC,
+ * DF_ERR_BAD_Y_HINT, DF_ERR_BAD_Y, DF_ERR_BAD_COEFF, DF_ERR_PERIODIC_VALUES,
+ * DF_ERR_MEM (scratch of (9 + 8*threads)*nx reals). threading may be NULL;
+ * blocks of four functions go to its parallel-for. */
+oxa_status oxa_df_kernel_dDFCubicSpline1D(DfTask* task, int64_t method, const void* extra,
+                                          const DfThreading* threading);
+oxa_status oxa_df_kernel_sDFCubicSpline1D(DfTask* task, int64_t method, const void* extra,
+                                          const DfThreading* threading);
 
 OXA_EXTERN_C_END
 
