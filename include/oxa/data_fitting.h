@@ -35,6 +35,10 @@ enum {
   DF_ERR_PERIODIC_VALUES = -1018,
   DF_ERR_BAD_PARAM_ID = -1019,
   DF_ERR_BAD_INDEX = -1020,
+  DF_ERR_BAD_NSITE = -1021,      /* negative number of sites or of integration limits */
+  DF_ERR_BAD_SITE = -1022,       /* null sites or limits with a positive count */
+  DF_ERR_BAD_DORDER = -1023,     /* derivative-order count outside 0 .. 8 */
+  DF_ERR_BAD_RESULT = -1024,     /* null result array where results are due */
   DF_ERR_BAD_DATA_HINT = -1026,
   DF_ERR_BAD_RESULT_HINT = -1034,
   DF_ERR_BAD_AUX_FLAG = -1036,
@@ -405,6 +409,72 @@ oxa_status oxa_df_kernel_dDFCubicSpline1D(DfTask* task, int64_t method, const vo
                                           const DfThreading* threading);
 oxa_status oxa_df_kernel_sDFCubicSpline1D(DfTask* task, int64_t method, const void* extra,
                                           const DfThreading* threading);
+
+/* ---- Evaluation and integration of a constructed spline ------------------ */
+
+/* Extrapolation call-back: called for each site left of x[0] (the left one,
+ * cell 0) or right of x[nx-1] (the right one, cell nx). It writes n results
+ * for that site, function-major: r[f*nd + d] for the f-th chosen function and
+ * the d-th requested derivative, and returns 0 or a negative status, which
+ * stops the evaluation and is returned. */
+typedef int32_t (*oxa_df_dinterp_callback)(int64_t n, int64_t cell, double site, double* r,
+                                           void* params);
+typedef int32_t (*oxa_df_sinterp_callback)(int64_t n, int64_t cell, float site, float* r,
+                                           void* params);
+
+/* Values and derivatives of a constructed spline (orders 2, 3 standard, 4,
+ * and 0 with types DF_TYPE_LOOKUP, DF_TYPE_STEP_RIGHT, DF_TYPE_STEP_LEFT) at
+ * nsite sites. sitehint and datahint choose the cell search as for
+ * oxa_df_kernel_dDFSearch1D (DF_SITE_SORTED, DF_SITE_UNIFORM with the two
+ * ends in site). func lists nfunc function indices (NULL: the first nfunc
+ * functions; nfunc 0: all). dorder holds ndorder flags, dorder[d] != 0
+ * requesting derivative d (NULL: values only); nd is the number requested.
+ * Results: rhint 0, DF_STORE_ROWS or DF_STORE_SEPARATE by function,
+ * r[(f*nd + k)*nsite + i]; DF_STORE_COLS by site, r[(i*nfunc + f)*nd + k].
+ * Extrapolation: beyond an end, the polynomial of the end cell (step-wise:
+ * the end value), unless the call-back of that end is given. Look-up: y_i
+ * where a site equals x[i], NaN elsewhere. Failures: DF_ERR_NULL_TASK,
+ * DF_ERR_BAD_NX, DF_ERR_BAD_ORDER, DF_ERR_BAD_TYPE, DF_ERR_BAD_NSITE,
+ * DF_ERR_BAD_SITE, DF_ERR_BAD_DORDER, DF_ERR_BAD_RESULT_HINT,
+ * DF_ERR_BAD_INDEX (function index), DF_ERR_BAD_Y, DF_ERR_BAD_COEFF,
+ * DF_ERR_BAD_DATA_HINT, DF_ERR_BAD_RESULT, DF_ERR_MEM, or a call-back's
+ * status. threading may be NULL; chunks of 4096 sites go to its
+ * parallel-for. */
+oxa_status oxa_df_kernel_dDFInterpolate1D(DfTask* task, int64_t nsite, const double* site,
+                                          int64_t sitehint, const double* datahint, int64_t nfunc,
+                                          const int64_t* func, int64_t ndorder,
+                                          const int64_t* dorder, double* r, int64_t rhint,
+                                          oxa_df_dinterp_callback left, void* left_params,
+                                          oxa_df_dinterp_callback right, void* right_params,
+                                          const DfThreading* threading);
+oxa_status oxa_df_kernel_sDFInterpolate1D(DfTask* task, int64_t nsite, const float* site,
+                                          int64_t sitehint, const float* datahint, int64_t nfunc,
+                                          const int64_t* func, int64_t ndorder,
+                                          const int64_t* dorder, float* r, int64_t rhint,
+                                          oxa_df_sinterp_callback left, void* left_params,
+                                          oxa_df_sinterp_callback right, void* right_params,
+                                          const DfThreading* threading);
+
+/* Integrals of a constructed spline over [llim[k], rlim[k]], k < nlim (a
+ * limit pair in either order gives the signed integral), by the closed form
+ * of each cell's polynomial; beyond the ends the same extrapolation as the
+ * evaluation without call-backs. llimhint/rlimhint and ldatahint/rdatahint
+ * choose each limit array's search as the site hints do (DF_SITE_UNIFORM:
+ * two ends given). Functions as in the evaluation. Results: rhint 0,
+ * DF_STORE_ROWS or DF_STORE_SEPARATE r[f*nlim + k]; DF_STORE_COLS
+ * r[k*nfunc + f]; other hints DF_ERR_BAD_RESULT_HINT. The look-up
+ * interpolant has no integral (DF_ERR_BAD_TYPE). Other failures as in the
+ * evaluation. */
+oxa_status oxa_df_kernel_dDFIntegrate1D(DfTask* task, int64_t nlim, const double* llim,
+                                        int64_t llimhint, const double* rlim, int64_t rlimhint,
+                                        const double* ldatahint, const double* rdatahint,
+                                        int64_t nfunc, const int64_t* func, double* r,
+                                        int64_t rhint, const DfThreading* threading);
+oxa_status oxa_df_kernel_sDFIntegrate1D(DfTask* task, int64_t nlim, const float* llim,
+                                        int64_t llimhint, const float* rlim, int64_t rlimhint,
+                                        const float* ldatahint, const float* rdatahint,
+                                        int64_t nfunc, const int64_t* func, float* r,
+                                        int64_t rhint, const DfThreading* threading);
 
 OXA_EXTERN_C_END
 
