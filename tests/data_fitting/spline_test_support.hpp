@@ -42,7 +42,7 @@ struct Spline {
     coeff.assign(static_cast<size_t>(std::max<int64_t>(cells, 1) * ny), -777.0);
     const oxa_status e = oxa_df_kernel_dEditPPSpline1D(task, order, type, bc_type,
                                                        bc.empty() ? nullptr : bc.data(), ic_type,
-                                                       ic.empty() ? nullptr : ic.data(),
+                                                       ic_type == 0 ? nullptr : ic.data(),
                                                        coeff.data(), 0);
     if (e != DF_OK) return e;
     if (order == 4) return oxa_df_kernel_dDFCubicSpline1D(task, 0, nullptr, th);
