@@ -18,6 +18,7 @@
 // parabola through the three points. Akima and Bessel on nx = 2: the line.
 // Every check (types, conditions, arrays, periodic values, scratch) comes
 // before the first coefficient is written.
+#include <bit>
 #include <cmath>
 #include <cstring>
 
@@ -37,8 +38,6 @@ struct Plan {
   T* w = nullptr;   // elimination multipliers a_i / b'_{i−1}
   T* ib = nullptr;  // 1 / b'_i
   T* cb = nullptr;  // c_i / b'_i
-  T* p = nullptr;   // r_i = p_i·δ_{i−1} + q_i·δ_i for the interior (all rows when periodic)
-  T* q = nullptr;
   T* z = nullptr;  // periodic: the correction vector
   T ag = 0, zden = 1;
   // Non-periodic end rows: r_0 = e0·δ_0 + e1·δ_1 + g0, r_{n−1} = f0·δ_{n−2} + f1·δ_{n−3} + g1.
@@ -79,19 +78,41 @@ bool end_rows(int64_t bc_type, const T* bc, int64_t nx, EndRows& e) {
   return true;
 }
 
-// Thomas factorisation of rows (a, b, c) held in (w, ib, cb) on entry.
+// 2^−e for q of exponent e: q times it lies in [1, 2).
+inline double unit_scale(double q) {
+  const uint64_t e = (std::bit_cast<uint64_t>(q) >> 52) & 0x7ff;
+  return std::bit_cast<double>((uint64_t{2046} - e) << 52);
+}
+inline float unit_scale(float q) {
+  const uint32_t e = (std::bit_cast<uint32_t>(q) >> 23) & 0xff;
+  return std::bit_cast<float>((uint32_t{254} - e) << 23);
+}
+
+// Thomas factorisation of rows (a, b, c), held in (w, ib, cb) on entry.
+// The pivots b'_i = b_i − a_i·c_{i−1}/b'_{i−1} are the ratios q_i/q_{i−1} of
+// q_i = b_i·q_{i−1} − a_i·c_{i−1}·q_{i−2} (q_{−1} = 1), a recurrence with one
+// fma and no division on its chain; the pair (q_i, q_{i−1}) is scaled by a
+// power of two every 8 steps to stay in range (exact), and the divisions run
+// afterwards, independent of each other. `pairs` is scratch of 2n reals.
 template <Real T>
-void factorise(Plan<T>& P) {
+void factorise(Plan<T>& P, T* pairs) {
   const int64_t n = P.n;
-  T bp = P.ib[0];
-  P.ib[0] = T(1) / bp;
+  T *qcur = pairs, *qprev = pairs + n;
+  T q1 = 1, q0 = P.ib[0];
+  qcur[0] = q0, qprev[0] = 1;
   for (int64_t i = 1; i < n; ++i) {
-    const T wi = P.w[i] / bp;
-    bp = P.ib[i] - wi * P.cb[i - 1];
-    P.w[i] = wi;
-    P.ib[i] = T(1) / bp;
+    const T t = P.w[i] * P.cb[i - 1] * q1;
+    const T q = std::fma(P.ib[i], q0, -t);
+    qprev[i] = q0, qcur[i] = q;
+    q1 = q0, q0 = q;
+    if ((i & 7) == 0) {
+      const T sc = unit_scale(q0);
+      q0 *= sc, q1 *= sc;
+    }
   }
-  for (int64_t i = 0; i < n; ++i) P.cb[i] *= P.ib[i];
+  map2(n, qprev, qcur, P.ib, [](auto a, auto b) { return a / b; });
+  map2(n - 1, P.w + 1, P.ib, P.w + 1, [](auto a, auto b) { return a * b; });
+  map2(n, P.cb, P.ib, P.cb, [](auto a, auto b) { return a * b; });
 }
 
 // Solves the factorised tridiagonal system for one right-hand side in place.
@@ -102,14 +123,23 @@ void solve_one(const Plan<T>& P, T* r) {
   for (int64_t i = P.n - 2; i >= 0; --i) r[i] = fnma(P.cb[i], r[i + 1], r[i] * P.ib[i]);
 }
 
+// Cell widths and their reciprocals (the divisions independent of each other).
 template <Real T>
-void make_plan(Plan<T>& P, const Breakpoints<T>& x, const EndRows& e, bool periodic) {
+void cell_widths(const Breakpoints<T>& x, T* h, T* ih) {
+  const int64_t cells = x.nx - 1;
+  if (x.uniform) {
+    for (int64_t m = 0; m < cells; ++m) h[m] = x[m + 1] - x[m];
+  } else {
+    map2(cells, x.x + 1, x.x, h, [](auto a, auto b) { return a - b; });
+  }
+  map2(cells, h, h, ih, [](auto a, auto) { return 1 / a; });
+}
+
+template <Real T>
+void make_plan(Plan<T>& P, const Breakpoints<T>& x, const EndRows& e, bool periodic, T* pairs) {
   const int64_t nx = x.nx, cells = nx - 1;
   T* h = P.h;
-  for (int64_t m = 0; m < cells; ++m) {
-    h[m] = x[m + 1] - x[m];
-    P.ih[m] = T(1) / h[m];
-  }
+  cell_widths(x, h, P.ih);
   T *a = P.w, *b = P.ib, *c = P.cb;
   if (periodic) {
     const int64_t n = P.n = cells;  // at least 2
@@ -117,13 +147,12 @@ void make_plan(Plan<T>& P, const Breakpoints<T>& x, const EndRows& e, bool perio
     for (int64_t i = 0; i < n; ++i) {
       const int64_t im = i == 0 ? n - 1 : i - 1;
       a[i] = h[i], b[i] = 2 * (h[im] + h[i]), c[i] = h[im];
-      P.p[i] = 3 * h[i], P.q[i] = 3 * h[im];
     }
     // A = T + u·vᵀ, u = (γ, 0, .., c_{n−1}), v = (1, 0, .., a_0/γ).
     const T gamma = -b[0], a0 = a[0], cl = c[n - 1];
     b[0] -= gamma;
     b[n - 1] -= a0 * cl / gamma;
-    factorise(P);
+    factorise(P, pairs);
     std::memset(P.z, 0, static_cast<size_t>(n) * sizeof(T));
     P.z[0] = gamma;
     P.z[n - 1] = cl;
@@ -135,7 +164,6 @@ void make_plan(Plan<T>& P, const Breakpoints<T>& x, const EndRows& e, bool perio
   const int64_t n = P.n = nx;
   for (int64_t i = 1; i + 1 < n; ++i) {
     a[i] = h[i], b[i] = 2 * (h[i - 1] + h[i]), c[i] = h[i - 1];
-    P.p[i] = 3 * h[i], P.q[i] = 3 * h[i - 1];
   }
   switch (e.left) {
     case End::kSecond:  // 2·s0 + s1 = 3δ0 − f''·h0/2
@@ -178,7 +206,7 @@ void make_plan(Plan<T>& P, const Breakpoints<T>& x, const EndRows& e, bool perio
       break;
   }
   c[l] = 0;
-  factorise(P);
+  factorise(P, pairs);
 }
 
 // Up to L functions side by side: value i of lane l at src[l][i·stride].
@@ -225,7 +253,7 @@ void solve_group(const Plan<T>& P, const Group<T, L>& g, Lanes<T, L>* U, Lanes<T
       const V yn = g.y(i + 1);
       const V d = (yn - yi) * P.ih[i];
       D[i] = d;
-      const V r = P.p[i] * dprev + P.q[i] * d;
+      const V r = T(3) * P.h[i] * dprev + T(3) * P.h[i == 0 ? n - 1 : i - 1] * d;
       rp = i == 0 ? r : fnma(V{} + P.w[i], rp, r);
       U[i] = rp * P.ib[i];
       yi = yn, dprev = d;
@@ -251,7 +279,7 @@ void solve_group(const Plan<T>& P, const Group<T, L>& g, Lanes<T, L>* U, Lanes<T
     const V yn = g.y(i + 1);
     const V d = (yn - yi) * P.ih[i];
     D[i] = d;
-    rp = fnma(V{} + P.w[i], rp, P.p[i] * dprev + P.q[i] * d);
+    rp = fnma(V{} + P.w[i], rp, T(3) * P.h[i] * dprev + T(3) * P.h[i - 1] * d);
     U[i] = rp * P.ib[i];
     yi = yn, dprev = d;
   }
@@ -321,7 +349,8 @@ struct CubicContext {
   int64_t type;
   const T* ic;
   int64_t ny;
-  T* scratch;  // per thread: 2·nx·4 reals
+  T* scratch;  // per thread: scratch_size reals
+  size_t scratch_size;
 };
 
 template <Real T, int L>
@@ -343,7 +372,7 @@ template <Real T>
 void cubic_body(void* context, int64_t k, int32_t thread, int32_t) {
   const auto& c = *static_cast<const CubicContext<T>*>(context);
   const int64_t nx = c.plan.nx;
-  T* scratch = c.scratch + static_cast<size_t>(thread) * 8 * static_cast<size_t>(nx);
+  T* scratch = c.scratch + static_cast<size_t>(thread) * c.scratch_size;
   const int64_t j0 = k * kFunctionBlock;
   if (c.type == DF_TYPE_HERMITE || c.type == DF_TYPE_BESSEL || c.type == DF_TYPE_AKIMA) {
     const int64_t j1 = std::min(j0 + kFunctionBlock, c.ny);
@@ -412,22 +441,22 @@ oxa_status cubic_spline(DfTask* task, const void* extra, const DfThreading* thre
                              reinterpret_cast<const void* const*>(t.y),
                              const_cast<const void* const*>(t.scoeff), 0.0};
   const int32_t threads = threads_for(threading, iterations, hint);
-  // Plan: 9 arrays of nx; scratch: 8·nx per thread.
-  const size_t bytes = (9 + 8 * static_cast<size_t>(threads)) * static_cast<size_t>(nx) * sizeof(T);
+  // Plan: 6 arrays of nx; scratch per thread: 2·nx reals a lane.
+  const bool solved = type == DF_TYPE_NATURAL || type == DF_TYPE_DEFAULT;
+  const size_t lanes = c.ny == 1 || !solved ? 1 : 4;
+  c.scratch_size = 2 * lanes * static_cast<size_t>(nx);
+  const size_t bytes = (6 * static_cast<size_t>(nx) + threads * c.scratch_size) * sizeof(T);
   T* block = static_cast<T*>(oxa_serv_allocate(bytes, kAlign));
   if (block == nullptr) return DF_ERR_MEM;
   Plan<T>& P = c.plan;
   P.nx = nx;
   T* a = block;
-  for (T** f : {&P.h, &P.ih, &P.w, &P.ib, &P.cb, &P.p, &P.q, &P.z}) *f = a, a += nx;
-  c.scratch = block + 9 * nx;
+  for (T** f : {&P.h, &P.ih, &P.w, &P.ib, &P.cb, &P.z}) *f = a, a += nx;
+  c.scratch = block + 6 * nx;
   if (type == DF_TYPE_DEFAULT || type == DF_TYPE_NATURAL) {
-    make_plan(P, c.x, ends, cyclic);
+    make_plan(P, c.x, ends, cyclic, c.scratch);
   } else {
-    for (int64_t m = 0; m + 1 < nx; ++m) {
-      P.h[m] = c.x[m + 1] - c.x[m];
-      P.ih[m] = T(1) / P.h[m];
-    }
+    cell_widths(c.x, P.h, P.ih);
   }
   run_blocks(threading, iterations, threads, &c, &cubic_body<T>);
   oxa_serv_deallocate(block);

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 
 #include "data_fitting/task.hpp"
 
@@ -102,6 +103,25 @@ struct LaneType<float, 4> {
 };
 template <Real T, int L>
 using Lanes = typename LaneType<T, L>::V;
+
+template <Real T>
+inline Lanes<T, 4> load4(const T* p) {
+  Lanes<T, 4> v;
+  std::memcpy(&v, p, sizeof v);
+  return v;
+}
+template <Real T>
+inline void store4(T* p, Lanes<T, 4> v) {
+  std::memcpy(p, &v, sizeof v);
+}
+
+// out[i] = f(a[i], b[i]) for i < n, four at a time.
+template <Real T, class F>
+inline void map2(int64_t n, const T* a, const T* b, T* out, F f) {
+  int64_t i = 0;
+  for (; i + 4 <= n; i += 4) store4(out + i, f(load4(a + i), load4(b + i)));
+  for (; i < n; ++i) out[i] = f(a[i], b[i]);
+}
 
 // c − a·b and a·b + c, rounded once.
 inline double fnma(double a, double b, double c) { return std::fma(-a, b, c); }
