@@ -57,8 +57,8 @@ enum { DF_SITE_UNIFORM = 4, DF_SITE_SORTED = 64 };
 /* Boundary-condition bits. DF_BC_NOT_A_KNOT, DF_BC_FREE_END and
  * DF_BC_PERIODIC stand alone and carry no values. Otherwise one left bit
  * (first or second derivative at x[0]) and one right bit (at x[nx-1]) are
- * combined; bc then holds one value per bit, lowest bit first, shared by all
- * functions. */
+ * combined; bc then holds the left value and the right value, shared by
+ * all functions. */
 enum {
   DF_BC_NOT_A_KNOT = 1,
   DF_BC_FREE_END = 2,     /* second derivative 0 at both ends */
@@ -410,6 +410,24 @@ oxa_status oxa_df_kernel_dDFCubicSpline1D(DfTask* task, int64_t method, const vo
 oxa_status oxa_df_kernel_sDFCubicSpline1D(DfTask* task, int64_t method, const void* extra,
                                           const DfThreading* threading);
 
+/* ---- Quadratic spline construction ---------------------------------------- */
+
+/* Writes c0 + c1*u + c2*u^2 per cell at positions 3m .. 3m+2 of function j's
+ * block. s_order must be 3. s_type DF_TYPE_DEFAULT: cells of the partition,
+ * u = t - x[m], once continuously differentiable, with one end condition:
+ * bc_type 0 or DF_BC_FREE_END (first cell a line), DF_BC_NOT_A_KNOT (first
+ * two cells one parabola), or one of DF_BC_FIRST_LEFT, DF_BC_FIRST_RIGHT,
+ * DF_BC_SECOND_LEFT, DF_BC_SECOND_RIGHT with its value in bc[0].
+ * DF_TYPE_SUBBOTIN: knots t_0 = x[0], t_i = (x[i-1] + x[i])/2, t_nx =
+ * x[nx-1], nx cells (coefficient stride 3*nx), u = t - t_i, interpolating at
+ * the breakpoints; one left bit and one right bit (first or second
+ * derivative), bc = {left value, right value}. Failures as for the cubic
+ * kernel, before any coefficient is written. */
+oxa_status oxa_df_kernel_dDFQuadraticSpline1D(DfTask* task, int64_t method, const void* extra,
+                                              const DfThreading* threading);
+oxa_status oxa_df_kernel_sDFQuadraticSpline1D(DfTask* task, int64_t method, const void* extra,
+                                              const DfThreading* threading);
+
 /* ---- Evaluation and integration of a constructed spline ------------------ */
 
 /* Extrapolation call-back: called for each site left of x[0] (the left one,
@@ -422,7 +440,7 @@ typedef int32_t (*oxa_df_dinterp_callback)(int64_t n, int64_t cell, double site,
 typedef int32_t (*oxa_df_sinterp_callback)(int64_t n, int64_t cell, float site, float* r,
                                            void* params);
 
-/* Values and derivatives of a constructed spline (orders 2, 3 standard, 4,
+/* Values and derivatives of a constructed spline (orders 2, 3, 4,
  * and 0 with types DF_TYPE_LOOKUP, DF_TYPE_STEP_RIGHT, DF_TYPE_STEP_LEFT) at
  * nsite sites. sitehint and datahint choose the cell search as for
  * oxa_df_kernel_dDFSearch1D (DF_SITE_SORTED, DF_SITE_UNIFORM with the two

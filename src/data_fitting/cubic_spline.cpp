@@ -72,7 +72,7 @@ bool end_rows(int64_t bc_type, const T* bc, int64_t nx, EndRows& e) {
     return false;
   e.left = left == DF_BC_FIRST_LEFT ? End::kFirst : End::kSecond;
   e.right = right == DF_BC_FIRST_RIGHT ? End::kFirst : End::kSecond;
-  // Values lowest bit first: the left one always precedes the right one.
+  // Values: the left one, then the right one.
   e.left_value = bc[0];
   e.right_value = bc[1];
   return true;

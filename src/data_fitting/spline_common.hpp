@@ -31,6 +31,36 @@ struct Breakpoints {
   T last() const { return uniform ? x[1] : x[nx - 1]; }
 };
 
+// Left ends of the cells of a Subbotin quadratic spline: t_0 = x[0],
+// t_i = (x[i−1] + x[i])/2, t_nx = x[nx−1]; nx cells.
+template <Real T>
+T subbotin_knot(const Breakpoints<T>& x, int64_t i) {
+  if (i == 0) return x[0];
+  if (i >= x.nx) return x.last();
+  return T(0.5) * (x[i - 1] + x[i]);
+}
+
+// The polynomial piece of a site t in cell k (the search's convention) and
+// its offset from the piece's left end: cell k − 1 clamped to the cells of
+// the partition, or for the Subbotin spline the knot interval holding t.
+template <Real T>
+int64_t piece_of(const Breakpoints<T>& x, bool subbotin, int64_t k, T t, T* u) {
+  if (!subbotin) {
+    const int64_t m = std::clamp<int64_t>(k - 1, 0, x.nx - 2);
+    *u = t - x[m];
+    return m;
+  }
+  int64_t m = k;
+  if (k <= 0)
+    m = 0;
+  else if (k >= x.nx)
+    m = x.nx - 1;
+  else if (t < subbotin_knot(x, k))
+    m = k - 1;
+  *u = t - subbotin_knot(x, m);
+  return m;
+}
+
 template <Real T>
 Breakpoints<T> breakpoints_of(const DfTask& t) {
   return {static_cast<const T*>(t.x), t.nx, (t.xhint & DF_X_UNIFORM) != 0};

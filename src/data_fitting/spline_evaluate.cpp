@@ -38,6 +38,7 @@ struct EvalContext {
   Values<T> v;
   const T* const* coeff;
   int64_t order, type;
+  bool subbotin;
   int64_t nf;
   const int64_t* func;  // NULL: functions 0 .. nf−1
   int nd;
@@ -197,9 +198,13 @@ void eval_body(void* context, int64_t k, int32_t, int32_t) {
     if (c.order == 0) {
       step_block(c, i0, n, cell, t);
     } else {
-      for (int64_t i = 0; i < n; ++i) {
-        m[i] = std::clamp<int64_t>(cell[i] - 1, 0, nx - 2);
-        u[i] = t[i] - c.x[m[i]];
+      if (c.subbotin) {
+        for (int64_t i = 0; i < n; ++i) m[i] = piece_of(c.x, true, cell[i], t[i], &u[i]);
+      } else {
+        for (int64_t i = 0; i < n; ++i) {
+          m[i] = std::clamp<int64_t>(cell[i] - 1, 0, nx - 2);
+          u[i] = t[i] - c.x[m[i]];
+        }
       }
       switch (c.order) {
         case 2:
@@ -235,7 +240,8 @@ oxa_status evaluate(DfTask* task, int64_t nsite, const T* site, int64_t sitehint
   if (order != 0 && (order < 2 || order > 4)) return DF_ERR_BAD_ORDER;
   if (order == 0 && (t.s_type < DF_TYPE_LOOKUP || t.s_type > DF_TYPE_STEP_LEFT))
     return DF_ERR_BAD_TYPE;
-  if (order == 3 && t.s_type != DF_TYPE_DEFAULT) return DF_ERR_BAD_TYPE;
+  if (order == 3 && t.s_type != DF_TYPE_DEFAULT && t.s_type != DF_TYPE_SUBBOTIN)
+    return DF_ERR_BAD_TYPE;
   if (nsite < 0) return DF_ERR_BAD_NSITE;
   if (nsite > 0 && site == nullptr) return DF_ERR_BAD_SITE;
   if (ndorder < 0 || ndorder > kMaxDerivatives) return DF_ERR_BAD_DORDER;
@@ -276,6 +282,7 @@ oxa_status evaluate(DfTask* task, int64_t nsite, const T* site, int64_t sitehint
     c->coeff = reinterpret_cast<T* const*>(t.scoeff);
     c->order = order;
     c->type = t.s_type;
+    c->subbotin = order == 3 && t.s_type == DF_TYPE_SUBBOTIN;
     c->nf = nfunc;
     c->func = func;
     c->r = r;

@@ -25,6 +25,7 @@ struct IntegralContext {
   Values<T> v;
   const T* const* coeff;
   int64_t order, type, nf;
+  bool subbotin;
   const int64_t* func;
   T* out;
   bool by_limit;
@@ -35,8 +36,7 @@ template <Real T>
 void place(const IntegralContext<T>& c, T t, int64_t k, int64_t& m, T& u) {
   const int64_t nx = c.x.nx;
   if (c.order != 0) {
-    m = std::clamp<int64_t>(k - 1, 0, nx - 2);
-    u = t - c.x[m];
+    m = piece_of(c.x, c.subbotin, k, t, &u);
   } else if (t < c.x[0] || std::isnan(t)) {
     m = -1, u = t - c.x[0];
   } else if (!(t < c.x.last())) {
@@ -72,6 +72,10 @@ T full_pieces(const IntegralContext<T>& c, int64_t j, int64_t a, int64_t b) {
   const bool neg = a > b;
   if (neg) std::swap(a, b);
   for (int64_t q = std::max<int64_t>(a, 0); q < b; ++q) {
+    if (c.subbotin) {
+      s += piece(c, j, q, subbotin_knot(c.x, q + 1) - subbotin_knot(c.x, q));
+      continue;
+    }
     if (q >= c.x.nx - 1) break;  // the right constant piece never lies inside a range
     s += piece(c, j, q, c.x[q + 1] - c.x[q]);
   }
@@ -117,7 +121,8 @@ oxa_status integrate(DfTask* task, int64_t nlim, const T* llim, int64_t llimhint
   if (order != 0 && (order < 2 || order > 4)) return DF_ERR_BAD_ORDER;
   if (order == 0 && t.s_type != DF_TYPE_STEP_RIGHT && t.s_type != DF_TYPE_STEP_LEFT)
     return DF_ERR_BAD_TYPE;
-  if (order == 3 && t.s_type != DF_TYPE_DEFAULT) return DF_ERR_BAD_TYPE;
+  if (order == 3 && t.s_type != DF_TYPE_DEFAULT && t.s_type != DF_TYPE_SUBBOTIN)
+    return DF_ERR_BAD_TYPE;
   if (nlim < 0) return DF_ERR_BAD_NSITE;
   if (nlim > 0 && (llim == nullptr || rlim == nullptr)) return DF_ERR_BAD_SITE;
   if (rhint != 0 && rhint != DF_STORE_ROWS && rhint != DF_STORE_COLS && rhint != DF_STORE_SEPARATE)
@@ -145,6 +150,7 @@ oxa_status integrate(DfTask* task, int64_t nlim, const T* llim, int64_t llimhint
   c.coeff = reinterpret_cast<T* const*>(t.scoeff);
   c.order = order;
   c.type = t.s_type;
+  c.subbotin = order == 3 && t.s_type == DF_TYPE_SUBBOTIN;
   c.nf = nfunc;
   c.func = func;
   c.out = r;

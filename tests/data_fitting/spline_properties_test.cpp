@@ -433,3 +433,71 @@ TEST(SplineProperties, IntegralsOfLinearAndCubicSplines) {
 }
 
 }  // namespace
+
+// ---- Quadratic splines ----------------------------------------------------
+
+struct QuadRow {
+  const char* name;
+  int64_t type, bc_type;
+  bool reproduces;  // quadratics, given exact conditions
+};
+
+const QuadRow kQuadratics[] = {
+    {"first-left", DF_TYPE_DEFAULT, DF_BC_FIRST_LEFT, true},
+    {"first-right", DF_TYPE_DEFAULT, DF_BC_FIRST_RIGHT, true},
+    {"second-left", DF_TYPE_DEFAULT, DF_BC_SECOND_LEFT, true},
+    {"second-right", DF_TYPE_DEFAULT, DF_BC_SECOND_RIGHT, true},
+    {"not-a-knot", DF_TYPE_DEFAULT, DF_BC_NOT_A_KNOT, true},
+    {"free end", DF_TYPE_DEFAULT, DF_BC_FREE_END, false},
+    {"subbotin first", DF_TYPE_SUBBOTIN, DF_BC_FIRST_LEFT | DF_BC_FIRST_RIGHT, true},
+    {"subbotin second", DF_TYPE_SUBBOTIN, DF_BC_SECOND_LEFT | DF_BC_SECOND_RIGHT, true},
+    {"subbotin mixed", DF_TYPE_SUBBOTIN, DF_BC_SECOND_LEFT | DF_BC_FIRST_RIGHT, true},
+};
+
+// On 2 to 4 and on 30 points: interpolation at the breakpoints, continuous
+// slopes where the cells meet, and quadratics reproduced (the not-a-knot
+// condition from 3 points).
+TEST(SplineProperties, QuadraticSplines) {
+  for (const auto& row : kQuadratics)
+    for (int64_t n : {2, 3, 4, 30}) {
+      SCOPED_TRACE(std::string(row.name) + " nx=" + std::to_string(n));
+      auto x = random_x(n, 40 + n);
+      std::vector<double> y;
+      for (double t : x) y.push_back(poly(2, 0, t));
+      Spline s(x, y, 1, 3);
+      for (int64_t bit : {DF_BC_FIRST_LEFT, DF_BC_SECOND_LEFT, DF_BC_FIRST_RIGHT,
+                          DF_BC_SECOND_RIGHT})  // left value first
+        if (row.bc_type & bit) {
+          const bool left = bit == DF_BC_FIRST_LEFT || bit == DF_BC_SECOND_LEFT;
+          const int d = bit == DF_BC_FIRST_LEFT || bit == DF_BC_FIRST_RIGHT ? 1 : 2;
+          s.bc.push_back(poly(2, d, left ? x.front() : x.back()));
+        }
+      ASSERT_EQ(s.build(n, row.type, row.bc_type), DF_OK);
+      const bool sub = row.type == DF_TYPE_SUBBOTIN;
+      auto left_end = [&](int64_t m) {
+        return !sub || m == 0 ? x[m] : m == n ? x[n - 1] : (x[m - 1] + x[m]) / 2;
+      };
+      for (int64_t m = 0; m < s.cells; ++m) {
+        const double* c = s.cell(0, m);
+        const double a = left_end(m), L = (sub ? left_end(m + 1) : x[m + 1]) - a;
+        if (m + 1 < s.cells) {  // slope continuity at the right end
+          EXPECT_NEAR(c[1] + 2 * c[2] * L, s.cell(0, m + 1)[1], 1e-10 * (1 + std::fabs(c[1])));
+          EXPECT_NEAR(c[0] + L * (c[1] + L * c[2]), s.cell(0, m + 1)[0], 1e-12 * 64);
+        }
+        const double xi = sub ? x[m] - a : 0;  // the breakpoint in this cell
+        EXPECT_NEAR(c[0] + xi * (c[1] + xi * c[2]), y[m], 1e-12 * 64);
+        for (int q = 0; q < 3 && row.reproduces && (row.bc_type != DF_BC_NOT_A_KNOT || n >= 3); ++q)
+          EXPECT_NEAR(c[q], poly(2, q, a) / (q == 2 ? 2 : 1), 1e-10) << "cell " << m;
+      }
+    }
+  const int64_t bad[][2] = {{DF_TYPE_DEFAULT, DF_BC_FIRST_LEFT | DF_BC_FIRST_RIGHT},
+                            {DF_TYPE_DEFAULT, DF_BC_PERIODIC},
+                            {DF_TYPE_SUBBOTIN, DF_BC_FIRST_LEFT},
+                            {DF_TYPE_SUBBOTIN, DF_BC_NOT_A_KNOT}};
+  for (const auto& b : bad) {
+    Spline s(random_x(5, 1), {1, 2, 3, 4, 1}, 1, 3);
+    s.bc = {1, 2};
+    EXPECT_EQ(s.build(5, b[0], b[1]), DF_ERR_BAD_BC_TYPE);
+    for (double c : s.coeff) ASSERT_EQ(c, -777.0);
+  }
+}

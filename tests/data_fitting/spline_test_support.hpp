@@ -19,7 +19,7 @@ struct Lcg {
 };
 
 struct Spline {
-  int64_t nx, ny, order;
+  int64_t nx, ny, order, cells = 0;
   std::vector<double> x, y, bc, ic, coeff;
   int64_t xhint = DF_X_NON_UNIFORM, yhint = DF_STORE_ROWS;
   DfTask* task = nullptr;
@@ -38,20 +38,21 @@ struct Spline {
     oxa_df_kernel_DeleteTask(&task);
     if (oxa_df_kernel_dNewTask1D(&task, nx, x.data(), xhint, ny, y.data(), yhint, 0) != DF_OK)
       return -1;
-    const int64_t cells = order == 0 ? 0 : (nx - 1) * order;
-    coeff.assign(static_cast<size_t>(std::max<int64_t>(cells, 1) * ny), -777.0);
+    cells = order == 3 && type == DF_TYPE_SUBBOTIN ? nx : nx - 1;
+    coeff.assign(static_cast<size_t>(std::max<int64_t>(cells * order, 1) * ny), -777.0);
     const oxa_status e = oxa_df_kernel_dEditPPSpline1D(task, order, type, bc_type,
                                                        bc.empty() ? nullptr : bc.data(), ic_type,
                                                        ic_type == 0 ? nullptr : ic.data(),
                                                        coeff.data(), 0);
     if (e != DF_OK) return e;
     if (order == 4) return oxa_df_kernel_dDFCubicSpline1D(task, 0, nullptr, th);
+    if (order == 3) return oxa_df_kernel_dDFQuadraticSpline1D(task, 0, nullptr, th);
     if (order == 2) return oxa_df_kernel_dDFLinearSpline1D(task, 0, nullptr, th);
     return DF_OK;
   }
 
   const double* cell(int64_t j, int64_t m) const {
-    return coeff.data() + j * (nx - 1) * order + m * order;
+    return coeff.data() + j * cells * order + m * order;
   }
 
   // Value and derivatives 1..3 of every function at the sites, by function:
