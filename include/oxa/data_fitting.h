@@ -428,6 +428,24 @@ oxa_status oxa_df_kernel_dDFQuadraticSpline1D(DfTask* task, int64_t method, cons
 oxa_status oxa_df_kernel_sDFQuadraticSpline1D(DfTask* task, int64_t method, const void* extra,
                                               const DfThreading* threading);
 
+/* ---- Order 0, and construction by order --------------------------------- */
+
+/* The look-up and step-wise interpolants (s_order 0, s_type DF_TYPE_LOOKUP,
+ * DF_TYPE_STEP_RIGHT or DF_TYPE_STEP_LEFT) are evaluated from the function
+ * values and have no coefficients: this kernel checks the task (order, type,
+ * bc_type 0, the value pointers) and writes nothing. */
+oxa_status oxa_df_kernel_dDFStepSpline1D(DfTask* task, int64_t method, const void* extra,
+                                         const DfThreading* threading);
+oxa_status oxa_df_kernel_sDFStepSpline1D(DfTask* task, int64_t method, const void* extra,
+                                         const DfThreading* threading);
+
+/* Calls the construction kernel of the task's s_order (0, 2, 3 or 4; any
+ * other order gives DF_ERR_BAD_ORDER) and returns its status. */
+oxa_status oxa_df_kernel_dDFConstruct1D(DfTask* task, int64_t method, const void* extra,
+                                        const DfThreading* threading);
+oxa_status oxa_df_kernel_sDFConstruct1D(DfTask* task, int64_t method, const void* extra,
+                                        const DfThreading* threading);
+
 /* ---- Evaluation and integration of a constructed spline ------------------ */
 
 /* Extrapolation call-back: called for each site left of x[0] (the left one,

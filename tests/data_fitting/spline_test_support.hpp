@@ -45,10 +45,7 @@ struct Spline {
                                                        ic_type == 0 ? nullptr : ic.data(),
                                                        coeff.data(), 0);
     if (e != DF_OK) return e;
-    if (order == 4) return oxa_df_kernel_dDFCubicSpline1D(task, 0, nullptr, th);
-    if (order == 3) return oxa_df_kernel_dDFQuadraticSpline1D(task, 0, nullptr, th);
-    if (order == 2) return oxa_df_kernel_dDFLinearSpline1D(task, 0, nullptr, th);
-    return DF_OK;
+    return oxa_df_kernel_dDFConstruct1D(task, 0, nullptr, th);
   }
 
   const double* cell(int64_t j, int64_t m) const {
