@@ -218,6 +218,7 @@ struct Group {
   bool contiguous;  // column storage with every lane used: one vector load
   T* out[L];
   int used;
+  bool stream;  // every output aligned and the whole output large
   V y(int64_t i) const {
     if constexpr (L == 1) {
       return src[0][i * stride];
@@ -235,10 +236,10 @@ struct Group {
 };
 
 template <Real T, int L>
-void write_cell(const Group<T, L>& g, int64_t m, Lanes<T, L> y, Lanes<T, L> d, Lanes<T, L> s0,
+[[gnu::always_inline]] inline void write_cell(const Group<T, L>& g, int64_t m, Lanes<T, L> y, Lanes<T, L> d, Lanes<T, L> s0,
                 Lanes<T, L> s1, T ih) {
   const Lanes<T, L> t = (s0 + s1 - T(2) * d) * ih;
-  store_cell4(g.out, m, g.used, y, s0, (d - s0) * ih - t, t * ih);
+  store_cell4(g.out, m, g.used, y, s0, (d - s0) * ih - t, t * ih, g.stream);
 }
 
 // Natural-type sweeps of one group; U and D are scratch of nx lanes each.
@@ -272,25 +273,26 @@ void solve_group(const Plan<T>& P, const Group<T, L>& g, Lanes<T, L>* U, Lanes<T
   const V d0 = (g.y(1) - g.y(0)) * P.ih[0];
   V rp = P.e0 * d0 + P.g0;
   if (P.e1 != T(0)) rp += P.e1 * ((g.y(2) - g.y(1)) * P.ih[1]);
-  D[0] = d0;
   U[0] = rp * P.ib[0];
-  V yi = g.y(1), dprev = d0;
+  V yi = g.y(1), dprev = d0, dprev2 = d0;
   for (int64_t i = 1; i + 1 < n; ++i) {
     const V yn = g.y(i + 1);
     const V d = (yn - yi) * P.ih[i];
-    D[i] = d;
+    dprev2 = dprev;
     rp = fnma(V{} + P.w[i], rp, T(3) * P.h[i] * dprev + T(3) * P.h[i - 1] * d);
     U[i] = rp * P.ib[i];
     yi = yn, dprev = d;
   }
   V r_last = P.f0 * dprev + P.g1;
-  if (P.f1 != T(0)) r_last += P.f1 * D[n - 3];
+  if (P.f1 != T(0)) r_last += P.f1 * dprev2;  // δ_{n−3}
   rp = fnma(V{} + P.w[n - 1], rp, r_last);
   V s1 = rp * P.ib[n - 1];
+  V y1 = g.y(n - 1);
   for (int64_t m = n - 2; m >= 0; --m) {
     const V s0 = fnma(V{} + P.cb[m], s1, U[m]);
-    write_cell(g, m, g.y(m), D[m], s0, s1, P.ih[m]);
-    s1 = s0;
+    const V y0 = g.y(m);
+    write_cell(g, m, y0, (y1 - y0) * P.ih[m], s0, s1, P.ih[m]);
+    s1 = s0, y1 = y0;
   }
 }
 
@@ -351,7 +353,12 @@ struct CubicContext {
   int64_t ny;
   T* scratch;  // per thread: scratch_size reals
   size_t scratch_size;
+  bool stream;  // coefficients too large to stay cached: stores bypass the caches
 };
+
+// Coefficient output from which stores bypass the caches (as for the linear
+// spline): well above a core's share of the last-level cache.
+constexpr int64_t kStreamBytes = int64_t{32} << 20;
 
 template <Real T, int L>
 Group<T, L> group_of(const CubicContext<T>& c, int64_t j0) {
@@ -364,6 +371,9 @@ Group<T, L> group_of(const CubicContext<T>& c, int64_t j0) {
     g.src[l] = c.v.cols ? c.v.y[0] + j : c.v.y[j];
     g.out[l] = c.coeff[j];
   }
+  g.stream = c.stream && g.used == L;
+  for (int l = 0; l < L; ++l)
+    g.stream = g.stream && reinterpret_cast<uintptr_t>(g.out[l]) % (4 * sizeof(T)) == 0;
   return g;
 }
 
@@ -390,7 +400,9 @@ void cubic_body(void* context, int64_t k, int32_t thread, int32_t) {
     return;
   }
   auto* U = reinterpret_cast<Lanes<T, 4>*>(scratch);
-  solve_group<T, 4>(c.plan, group_of<T, 4>(c, j0), U, U + nx);
+  const Group<T, 4> g = group_of<T, 4>(c, j0);
+  solve_group<T, 4>(c.plan, g, U, U + nx);
+  if (g.stream) _mm_sfence();  // streamed stores land before the block reports done
 }
 
 template <Real T>
@@ -432,6 +444,7 @@ oxa_status cubic_spline(DfTask* task, const void* extra, const DfThreading* thre
   c.ic = static_cast<const T*>(t.ic);
   c.ny = t.ny <= 0 ? 1 : t.ny;
   const int64_t nx = t.nx;
+  c.stream = 4 * (nx - 1) * c.ny * static_cast<int64_t>(sizeof(T)) >= kStreamBytes;
   // Periodic on one cell: both values equal, the constant.
   const bool cyclic = periodic && nx > 2;
   if (periodic && !cyclic) ends.left = ends.right = End::kLine;

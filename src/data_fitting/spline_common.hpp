@@ -173,9 +173,22 @@ inline Lanes<float, 4> fma(Lanes<float, 4> a, Lanes<float, 4> b, Lanes<float, 4>
 
 // Writes the four coefficients (k0..k3 of every lane) of cell m for the
 // first `used` functions of a lane group: a 4×4 transpose and one store per
-// function when all four lanes are used.
-inline void store_cell4(double* const* out, int64_t m, int used, Lanes<double, 4> k0,
-                        Lanes<double, 4> k1, Lanes<double, 4> k2, Lanes<double, 4> k3) {
+// function when all four lanes are used, streamed past the caches when
+// `stream` (every output 32-byte aligned, output too large to stay cached).
+[[gnu::always_inline]] inline void store_cell4(double* const* out, int64_t m, int used, Lanes<double, 4> k0,
+                        Lanes<double, 4> k1, Lanes<double, 4> k2, Lanes<double, 4> k3,
+                        bool stream = false) {
+  if (used == 4 && stream) {
+    const __m256d t0 = _mm256_unpacklo_pd((__m256d)k0, (__m256d)k1);
+    const __m256d t1 = _mm256_unpackhi_pd((__m256d)k0, (__m256d)k1);
+    const __m256d t2 = _mm256_unpacklo_pd((__m256d)k2, (__m256d)k3);
+    const __m256d t3 = _mm256_unpackhi_pd((__m256d)k2, (__m256d)k3);
+    _mm256_stream_pd(out[0] + 4 * m, _mm256_permute2f128_pd(t0, t2, 0x20));
+    _mm256_stream_pd(out[1] + 4 * m, _mm256_permute2f128_pd(t1, t3, 0x20));
+    _mm256_stream_pd(out[2] + 4 * m, _mm256_permute2f128_pd(t0, t2, 0x31));
+    _mm256_stream_pd(out[3] + 4 * m, _mm256_permute2f128_pd(t1, t3, 0x31));
+    return;
+  }
   if (used == 4) {
     const __m256d t0 = _mm256_unpacklo_pd((__m256d)k0, (__m256d)k1);
     const __m256d t1 = _mm256_unpackhi_pd((__m256d)k0, (__m256d)k1);
@@ -193,11 +206,19 @@ inline void store_cell4(double* const* out, int64_t m, int used, Lanes<double, 4
   }
 }
 
-inline void store_cell4(float* const* out, int64_t m, int used, Lanes<float, 4> k0,
-                        Lanes<float, 4> k1, Lanes<float, 4> k2, Lanes<float, 4> k3) {
+[[gnu::always_inline]] inline void store_cell4(float* const* out, int64_t m, int used, Lanes<float, 4> k0,
+                        Lanes<float, 4> k1, Lanes<float, 4> k2, Lanes<float, 4> k3,
+                        bool stream = false) {
   if (used == 4) {
     __m128 r0 = (__m128)k0, r1 = (__m128)k1, r2 = (__m128)k2, r3 = (__m128)k3;
     _MM_TRANSPOSE4_PS(r0, r1, r2, r3);
+    if (stream) {
+      _mm_stream_ps(out[0] + 4 * m, r0);
+      _mm_stream_ps(out[1] + 4 * m, r1);
+      _mm_stream_ps(out[2] + 4 * m, r2);
+      _mm_stream_ps(out[3] + 4 * m, r3);
+      return;
+    }
     _mm_storeu_ps(out[0] + 4 * m, r0);
     _mm_storeu_ps(out[1] + 4 * m, r1);
     _mm_storeu_ps(out[2] + 4 * m, r2);
@@ -211,7 +232,7 @@ inline void store_cell4(float* const* out, int64_t m, int used, Lanes<float, 4> 
 }
 
 template <Real T>
-inline void store_cell4(T* const* out, int64_t m, int, T k0, T k1, T k2, T k3) {
+[[gnu::always_inline]] inline void store_cell4(T* const* out, int64_t m, int, T k0, T k1, T k2, T k3, bool = false) {
   T* o = out[0] + 4 * m;
   o[0] = k0, o[1] = k1, o[2] = k2, o[3] = k3;
 }

@@ -4,7 +4,6 @@
 // kernels.
 #include "data_fitting/spline_common.hpp"
 
-
 namespace oxa::df {
 namespace {
 
