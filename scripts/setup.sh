@@ -10,7 +10,7 @@ packages=(
   libmpfr-dev libgmp-dev
   libopenblas-dev
   clang libclang-rt-14-dev
-  python3 python3-mpmath
+  python3 python3-mpmath python3-scipy
   librandom123-dev libsleef-dev libeigen3-dev libgsl-dev libboost-dev
 )
 
