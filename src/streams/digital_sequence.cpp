@@ -144,6 +144,14 @@ void digital_words(DigitalState& s, const DigitalTables& t, int32_t n, uint32_t*
 
 namespace {
 
+// Values to hand out before the stream is at the start of an eight-point
+// block (point number a multiple of 8, coordinate 0).
+int64_t values_to_block_start(const DigitalState& s) {
+  const uint32_t m = active_count(s);
+  if (s.coord == 0) return int64_t{m} * ((8 - (s.index & 7)) & 7);
+  return int64_t{m - s.coord} + int64_t{m} * ((8 - ((s.index + 1) & 7)) & 7);
+}
+
 // Words are produced block-wise into the output itself (for doubles in the
 // upper half of the block's bytes) and scaled in place. The block is a whole
 // number of eight-point blocks so that aligned streams stay on the fast path.
@@ -151,19 +159,56 @@ template <class T>
 void reals(DigitalState& s, const DigitalTables& t, int32_t n, T* r, T a, T b) {
   const uint32_t unit = kBlockPoints * active_count(s);
   const int64_t block = int64_t{unit} * std::max<uint32_t>(1, 1024 / unit);
-  for (int64_t i = 0; i < n; i += block) {
-    const int32_t c = static_cast<int32_t>(std::min<int64_t>(block, n - i));
+  for (int64_t i = 0, c; i < n; i += c) {
+    const int64_t head = i == 0 ? values_to_block_start(s) : 0;
+    c = std::min<int64_t>(head > 0 ? std::min(head, block) : block, n - i);
     uint32_t* w = reinterpret_cast<uint32_t*>(r + i) + (sizeof(T) == 8 ? c : 0);
-    digital_words(s, t, c, w);
+    digital_words(s, t, static_cast<int32_t>(c), w);
     scale_words<WordMapping::kUnsigned>(w, r + i, static_cast<std::size_t>(c), a, b);
   }
+}
+
+// Large double outputs: words into a buffer that stays in L1, doubles to
+// memory with streaming stores (no read of the destination lines first).
+// Same values as scale_words: a + ((b - a) 2^-32) u, u exact in double.
+constexpr int64_t kStreamingValues = int64_t{1} << 18;
+constexpr uint32_t kBufferWords = 2048;
+
+void reals_streaming(DigitalState& s, const DigitalTables& t, int32_t n, double* r, double a,
+                     double b) {
+  alignas(32) uint32_t w[kBufferWords];
+  const WordScale<WordMapping::kUnsigned, double> map(a, b);
+  const __m256d vo = _mm256_set1_pd(map.offset), vs = _mm256_set1_pd(map.scale);
+  const uint32_t unit = kBlockPoints * active_count(s);
+  const int32_t block = static_cast<int32_t>(unit * (kBufferWords / unit));
+  int32_t i = 0;
+  while (i < n) {
+    const int64_t head = values_to_block_start(s);
+    const int32_t c = std::min(head > 0 ? static_cast<int32_t>(std::min<int64_t>(head, block)) : block, n - i);
+    digital_words(s, t, c, w);
+    int32_t j = 0;
+    for (; j < c && (reinterpret_cast<uintptr_t>(r + i + j) & 31) != 0; ++j) r[i + j] = map(w[j]);
+    for (; j + 4 <= c; j += 4) {
+      const __m128i u = _mm_loadu_si128(reinterpret_cast<const __m128i*>(w + j));
+      const __m256d x = _mm256_add_pd(
+          _mm256_cvtepi32_pd(_mm_xor_si128(u, _mm_set1_epi32(INT32_MIN))), _mm256_set1_pd(0x1p31));
+      _mm256_stream_pd(r + i + j, _mm256_add_pd(vo, _mm256_mul_pd(vs, x)));
+    }
+    for (; j < c; ++j) r[i + j] = map(w[j]);
+    i += c;
+  }
+  _mm_sfence();
 }
 
 }  // namespace
 
 void digital_reals(DigitalState& s, const DigitalTables& t, int32_t n, double* r, double a,
                    double b) {
-  reals(s, t, n, r, a, b);
+  if (n >= kStreamingValues && kBlockPoints * active_count(s) <= kBufferWords) {
+    reals_streaming(s, t, n, r, a, b);
+  } else {
+    reals(s, t, n, r, a, b);
+  }
 }
 void digital_reals(DigitalState& s, const DigitalTables& t, int32_t n, float* r, float a,
                    float b) {
