@@ -184,7 +184,8 @@ void reals_streaming(DigitalState& s, const DigitalTables& t, int32_t n, double*
   int32_t i = 0;
   while (i < n) {
     const int64_t head = values_to_block_start(s);
-    const int32_t c = std::min(head > 0 ? static_cast<int32_t>(std::min<int64_t>(head, block)) : block, n - i);
+    const int32_t first = head > 0 ? static_cast<int32_t>(std::min<int64_t>(head, block)) : block;
+    const int32_t c = std::min(first, n - i);
     digital_words(s, t, c, w);
     int32_t j = 0;
     for (; j < c && (reinterpret_cast<uintptr_t>(r + i + j) & 31) != 0; ++j) r[i + j] = map(w[j]);

@@ -206,19 +206,23 @@ TEST(QuasiRandom, SeedLayouts) {
   EXPECT_EQ(Stream(OXA_BRNG_NIEDERR, {10494}).status(), 0);
 }
 
+// Small calls and large ones (streamed to memory), at an odd output offset.
 TEST(QuasiRandom, RealsScaleTheWords) {
   for (int32_t id : kQuasi) {
-    Stream s(id, {7}), t(s), u(s);
-    const auto w = words(s, 999);
-    std::vector<double> d(999);
-    std::vector<float> f(999);
-    BrngProperties p;
-    _vslGetBrngProperties(id, &p);
-    ASSERT_EQ(p.GenDouble(t.get(), 999, d.data(), -1.0, 3.0), 0);
-    ASSERT_EQ(p.GenSingle(u.get(), 999, f.data(), 0.0f, 1.0f), 0);
-    for (int i = 0; i < 999; ++i) {
-      ASSERT_EQ(d[i], -1.0 + 4.0 * 0x1p-32 * w[i]);
-      ASSERT_EQ(f[i], 0x1p-32f * static_cast<float>(w[i]));
+    for (int32_t n : {999, (1 << 18) + 5}) {
+      Stream s(id, {7}), t(s), u(s);
+      const auto w = words(s, n);
+      std::vector<double> d(size_t(n) + 1);
+      std::vector<float> f(static_cast<size_t>(n));
+      BrngProperties p;
+      _vslGetBrngProperties(id, &p);
+      ASSERT_EQ(p.GenDouble(t.get(), n, d.data() + 1, -1.0, 3.0), 0);
+      ASSERT_EQ(p.GenSingle(u.get(), n, f.data(), 0.0f, 1.0f), 0);
+      for (int i = 0; i < n; ++i) {
+        ASSERT_EQ(d[i + 1], -1.0 + 4.0 * 0x1p-32 * w[i]) << i;
+        ASSERT_EQ(f[i], 0x1p-32f * static_cast<float>(w[i])) << i;
+      }
+      EXPECT_EQ(words(t, 5), words(s, 5));
     }
   }
 }
