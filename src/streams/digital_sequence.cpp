@@ -49,6 +49,9 @@ void fill_blocks(const DigitalState& s, const DigitalTables& t) {
   }
 }
 
+// Largest point size written as one flat 8m-word XOR (its copy is on the stack).
+constexpr uint32_t kTiledMax = 1024;
+
 // Last point number at which eight points fit before 2^32 - 1.
 constexpr uint32_t kLastBlockStart = 0xFFFFFFF7u;
 
@@ -111,6 +114,20 @@ void digital_words(DigitalState& s, const DigitalTables& t, int32_t n, uint32_t*
               _mm256_loadu_si256(reinterpret_cast<const __m256i*>(blocks)));
           _mm256_storeu_si256(reinterpret_cast<__m256i*>(r + i), w);
           i += kBlockPoints;
+        } else if (m <= kTiledMax) {
+          // The block is 8m words, a whole number of vectors: the point x
+          // repeated eight times (read from a copy extended by 8 words, so
+          // any 8 consecutive repeated words are one load) XOR the table.
+          alignas(32) uint32_t xx[kTiledMax + 8];
+          std::copy(x, x + m, xx);
+          for (uint32_t j = m; j < m + 8; ++j) xx[j] = xx[j - m];
+          for (uint32_t k = 0, off = 0; k < 8 * m; k += 8) {
+            const __m256i vx = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(xx + off));
+            const __m256i vb = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(blocks + k));
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(r + i + k), _mm256_xor_si256(vx, vb));
+            for (off += 8; off >= m;) off -= m;
+          }
+          i += static_cast<int32_t>(8 * m);
         } else {
           for (uint32_t q = 0; q < kBlockPoints; ++q, i += static_cast<int32_t>(m)) {
             xor_words(r + i, x, blocks + q * m, m);
