@@ -195,6 +195,42 @@ int32_t _vslsBRngWH(StreamState* stream, int32_t n, float r[], float a, float b)
 int32_t _vsldBRngWH(StreamState* stream, int32_t n, double r[], double a, double b);
 int32_t _vsliBRngWH(StreamState* stream, int32_t n, uint32_t r[]);
 
+/* Quasi-random generators: the base-2 Sobol (SOBOL) and Niederreiter (NIEDERR)
+ * sequences in Gray-code order with 32-bit resolution. A stream of dimension d
+ * hands out the coordinates of consecutive points, point by point; the first
+ * point handed out is point 1 (the origin, point 0, is skipped, so no value
+ * is zero), and after point 2^32 - 1 the sequence starts again at point 1.
+ * Words are the 32-bit coordinates u; reals are a + (b - a) u 2^-32.
+ *
+ * Seed words (InitStream method 0):
+ *   params[0]  dimension d: SOBOL 1..2600, NIEDERR 1..10494 (n = 0: d = 1).
+ *   params[1]  q <= d, the number of trailing dimensions the caller defines
+ *              (n = 1, or q = 0: every dimension built in).
+ *   SOBOL:   params[2 .. 2+q)  the primitive polynomials of dimensions
+ *              d-q+1 .. d, bit i the coefficient of x^i (odd; degree s =
+ *              bit length - 1 <= 31; the polynomial 1 gives van der Corput);
+ *            then, dimension after dimension, the s initial direction numbers
+ *              m_1..m_s (each odd, m_k < 2^k). n = 2 + q + sum of s exactly.
+ *            Built in: the Joe-Kuo new-joe-kuo-6.21201 direction numbers.
+ *   NIEDERR: params[2 .. 2+q)  irreducible polynomials over GF(2) (same bit
+ *              form, degree 1..31) of dimensions d-q+1 .. d; n = 2 + q.
+ *            Built in: the irreducible polynomials in order of degree, then value.
+ *   Inconsistent seed words give VSL_ERROR_BAD_ARGUMENT.
+ * Leapfrog only with nstreams = 2147483647 and k < d: the stream then hands out
+ * coordinate k of each point, from the point holding its next value.
+ * Skip-ahead by nskip >= 1 values, while the point number stays below 2^32
+ * (else VSL_RNG_ERROR_NO_SKIPAHEAD). */
+int32_t _vslBRngSOBOLInitStream(int32_t method, StreamState* stream, int32_t n,
+                                const uint32_t params[]);
+int32_t _vslsBRngSOBOL(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngSOBOL(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngSOBOL(StreamState* stream, int32_t n, uint32_t r[]);
+int32_t _vslBRngNIEDERRInitStream(int32_t method, StreamState* stream, int32_t n,
+                                  const uint32_t params[]);
+int32_t _vslsBRngNIEDERR(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngNIEDERR(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngNIEDERR(StreamState* stream, int32_t n, uint32_t r[]);
+
 int32_t _vslBRngMT19937InitStream(int32_t method, StreamState* stream, int32_t n,
                                   const uint32_t params[]);
 int32_t _vslsBRngMT19937(StreamState* stream, int32_t n, float r[], float a, float b);

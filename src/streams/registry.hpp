@@ -29,6 +29,8 @@ extern const BrngEntryPoints kBrngEntryR250;
 extern const BrngEntryPoints kBrngEntryMRG32K3A;
 extern const BrngEntryPoints kBrngEntryMCG59;
 extern const BrngEntryPoints kBrngEntryWH;
+extern const BrngEntryPoints kBrngEntrySOBOL;
+extern const BrngEntryPoints kBrngEntryNIEDERR;
 extern const BrngEntryPoints kBrngEntryMT19937;
 extern const BrngEntryPoints kBrngEntryTRNG;
 extern const BrngEntryPoints kBrngEntryARS5;

@@ -1,10 +1,12 @@
 // Saving a stream to a file or to memory and rebuilding it.
 //
 // Image (little-endian): version 1, the bytes 'R' 'N' 'G', header size 16
-// (2 bytes), state size StateBytes - 16 (2), chunk count (2), two reserved
-// bytes written as zero, the generator id (4); then the state area; then per
-// chunk from the list head: id (4), key low and high (8 + 8, absent in version
-// 0 images), data size (4), data. Its size is _vslGetStreamSize.
+// (2 bytes), state size StateBytes - 16 (2; only its low 16 bits when the
+// area is larger, as NIEDERR's is: the loader reads the registry's size),
+// chunk count (2), two reserved bytes written as zero, the generator id (4);
+// then the state area; then per chunk from the list head: id (4), key low and
+// high (8 + 8, absent in version 0 images), data size (4), data. Its size is
+// _vslGetStreamSize.
 //
 // One save body and one load body serve files and memory through a channel
 // whose kind picks the access routine from a dispatch table. Loading accepts
@@ -216,7 +218,8 @@ int32_t load_image(Channel* c, StreamState** handle) {
   if ((w & 0xFFu) > 1 && (w >> 24) > 1) return VSL_RNG_ERROR_BAD_IMAGE_VERSION;
   const int32_t id = h.brng();
   const BrngRef ref = decode_brng(id);
-  if (!is_usable(ref) || h.state_size() != state_area_bytes(ref.props().StateBytes) ||
+  const std::size_t state_bytes = is_usable(ref) ? state_area_bytes(ref.props().StateBytes) : 0;
+  if (!is_usable(ref) || h.state_size() != uint16_t(state_bytes) ||
       ref.props().StateBytes < int32_t(sizeof(StreamState)) || h.header_size() < kHeaderBytes) {
     return VSL_RNG_ERROR_BAD_IMAGE;
   }
@@ -225,7 +228,7 @@ int32_t load_image(Channel* c, StreamState** handle) {
   }
   int32_t status = _vslAllocateStream(handle, ref.table, id, ref.row, ref.sub);
   if (status < 0) return status;
-  if (load(c, generator_state<unsigned char>(*handle), h.state_size()) != 0) {
+  if (load(c, generator_state<unsigned char>(*handle), state_bytes) != 0) {
     status = VSL_RNG_ERROR_FILE_READ;
   } else if (id == OXA_BRNG_NONDETERM && !cpu_has_rdrand()) {
     status = VSL_RNG_ERROR_NO_RDRAND;

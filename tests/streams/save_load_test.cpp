@@ -100,14 +100,15 @@ TEST(SaveLoad, RoundTripEveryGeneratorWithChunks) {
   for (int32_t id : generators()) {
     SCOPED_TRACE(id);
     StreamState* s = nullptr;
-    ASSERT_EQ(_vslNewStreamEx(&s, id, 8, seeds), 0);
+    const bool quasi = id == OXA_BRNG_SOBOL || id == OXA_BRNG_NIEDERR;  // seeds: dimension 11
+    ASSERT_EQ(_vslNewStreamEx(&s, id, quasi ? 1 : 8, seeds), 0);
     const BrngProperties& row = oxa::streams::decode_brng(id).props();
     const size_t words_per_value = size_t(row.WordBytes) / 4;  // GenBits writes WordBytes each
     std::vector<uint32_t> skip(9 * words_per_value);
     row.GenBits(s, 9, skip.data());  // leaves a part-used block or buffer
     const uint64_t key[2] = {0x5EED0000u + uint64_t(id), 0xC0FFEE};
     add_chunk(s, 5, 544, 3);
-    add_chunk(s, 9, 64, 1, key);  // shared: the loaded copies reuse the table's data
+    add_chunk(s, 7, 64, 1, key);  // shared: the loaded copies reuse the table's data
     add_chunk(s, 2, 16, 9);
     add_chunk(s, 2, 0, 0);
     const Bytes img = image_of(s);
@@ -124,7 +125,7 @@ TEST(SaveLoad, RoundTripEveryGeneratorWithChunks) {
     for (StreamState* t : {fromFile, fromMemory}) {
       EXPECT_EQ(t->brng, id);
       EXPECT_EQ(chunks_of(t), expected);
-      EXPECT_EQ(_vslSearchChunk(t, 9), _vslSearchChunk(s, 9));  // one shared buffer
+      EXPECT_EQ(_vslSearchChunk(t, 7), _vslSearchChunk(s, 7));  // one shared buffer
       // Same state bytes: saving the copy gives the same image up to chunk order.
       const Bytes again = image_of(t);
       ASSERT_EQ(again.size(), img.size());
