@@ -6,12 +6,13 @@
 //   block's centre (its mean, or the given mean), sums of w (x - centre)^k and
 //   of w (x_a - c_a)(x_b - c_b) over the cached block (pass 2); the block
 //   state is then merged into the running state (basic_state.hpp), which is
-//   the one-pass update applied a block at a time. The divisions by the
-//   accumulated weight are shared by all components of a block.
-// Accuracy: central sums by two passes within a block, then merged: relative
-//   error at worst about eps (block size + number of blocks), accumulated in
-//   the element type (float data in float); the fast method's derived central
-//   sums lose digits to cancellation when |mean| >> spread.
+//   the one-pass update applied a block at a time. The fast method without
+//   cross-products makes one pass of shifted sums per block instead
+//   (fast_sums.hpp). The divisions by the accumulated weight are shared by
+//   all components of a block.
+// Accuracy: central sums by two passes (or about a shift) within a block,
+//   then merged: relative error at worst about eps (block size + number of
+//   blocks), accumulated in the element type (float data in float).
 // Special: leading zero weights of a fold into an empty state are skipped (the
 //   update factor 1/(W + w) is undefined there); an all-zero-weight block
 //   leaves the state unchanged. NaN and infinity propagate.
@@ -25,6 +26,7 @@
 #include "summary_stats/basic_plan.hpp"
 #include "summary_stats/basic_state.hpp"
 #include "summary_stats/cross_tiles.hpp"
+#include "summary_stats/fast_sums.hpp"
 #include "summary_stats/lanes.hpp"
 
 namespace oxa::ss {
@@ -60,7 +62,7 @@ constexpr int kernel_central_order(Method m, int level) {
   return m == Method::OnePass ? (level == 3   ? 4
                                  : level >= 1 ? 2
                                               : 0)
-         : m == Method::Fast  ? 0
+         : m == Method::Fast  ? (level >= 1 ? level + 1 : 0)
                               : (level == 0   ? 2
                                  : level == 1 ? 3
                                               : 4);
@@ -251,6 +253,50 @@ void block_by_observation(const KernelArgs<T>& a, int64_t i0, int64_t nb, Partia
   }
 }
 
+// Fast-method block of observations [i0, i0 + nb) by component rows.
+template <class T, bool Weighted, int R>
+void fast_block_by_component(const KernelArgs<T>& a, int64_t i0, int64_t nb, Partial<T>& B) {
+  const T* w = Weighted ? a.w + i0 : nullptr;
+  for (int64_t k = 0; k < a.pc; ++k) {
+    const T* v = a.x + a.comp[k] * a.ld + i0;
+    const T c = fast_shift(*a.state, k, v[0]);
+    T t[4] = {};
+    power_sums<R, Weighted>(v, w, nb, c, t);
+    finish_shifted<T, R>(B, k, c, t);
+  }
+}
+
+// Fast-method block of observations [i0, i0 + nb) by observation rows. The
+// shift goes in B.mean and the shifted sums in B.sum and B.raw until the
+// block is finished.
+template <class T, bool Weighted, int R>
+void fast_block_by_observation(const KernelArgs<T>& a, int64_t i0, int64_t nb, Partial<T>& B) {
+  const int64_t pc = a.pc;
+  const T* rows;
+  int64_t ldr;
+  if (a.contiguous) {
+    rows = a.x + i0 * a.ld + a.comp[0];
+    ldr = a.ld;
+  } else {  // gather the selected components into a dense block
+    T* g = a.scratch;
+    for (int64_t i = 0; i < nb; ++i)
+      for (int64_t k = 0; k < pc; ++k) g[i * pc + k] = a.x[(i0 + i) * a.ld + a.comp[k]];
+    rows = g;
+    ldr = pc;
+  }
+  for (int64_t k = 0; k < pc; ++k) B.mean[k] = fast_shift(*a.state, k, rows[k]);
+  T* const t[4] = {B.sum, B.raw[0], B.raw[1], B.raw[2]};
+  int64_t done = 0;
+  if constexpr (!Weighted)
+    if (ldr == pc) done = shifted_flat<R, T>(rows, nb, pc, B.mean, t);
+  shifted_row_by_row<R, Weighted, T>(rows, ldr, done, nb, pc, Weighted ? a.w + i0 : nullptr,
+                                     B.mean, t);
+  for (int64_t k = 0; k < pc; ++k) {
+    const T tk[4] = {t[0][k], t[1][k], t[2][k], t[3][k]};
+    finish_shifted<T, R>(B, k, B.mean[k], tk);
+  }
+}
+
 }  // namespace detail
 
 // The kernel of one (method, storage, weighting, level, cross-product) choice.
@@ -277,7 +323,12 @@ int basic_kernel(const KernelArgs<T>& a) {
       B.W = B.W2 = static_cast<T>(nb);
     }
     if (B.W != 0) {
-      if constexpr (ByObservation)
+      if constexpr (M == Method::Fast && !CP) {
+        if constexpr (ByObservation)
+          detail::fast_block_by_observation<T, Weighted, R>(a, i, nb, B);
+        else
+          detail::fast_block_by_component<T, Weighted, R>(a, i, nb, B);
+      } else if constexpr (ByObservation)
         detail::block_by_observation<T, M, Weighted, R, C, CP>(a, i, nb, B);
       else
         detail::block_by_component<T, M, Weighted, R, C, CP>(a, i, nb, B);
