@@ -311,8 +311,18 @@ int basic_kernel(const KernelArgs<T>& a) {
       while (i < a.end && a.w[i] == 0) ++i;
   Partial<T>& B = *a.block;
   T* block_memory = B.sum;
+  int64_t block_size = a.block_size;
+  if constexpr (M == Method::Fast && !CP) {
+    // One pass with nothing cached: long blocks keep each component's read
+    // one long stream and make the per-block work (finish, merge) negligible.
+    // Only a gathered block needs the scratch that a.block_size bounds.
+    if (!ByObservation)
+      block_size = detail::kFastBlockElements;
+    else if (a.contiguous)
+      block_size = std::max(a.block_size, detail::kFastBlockElements / a.pc);
+  }
   while (i < a.end) {
-    const int64_t nb = std::min(a.block_size, a.end - i);
+    const int64_t nb = std::min(block_size, a.end - i);
     B.bind(block_memory, a.ps, CP);
     if constexpr (Weighted) {
       for (int64_t t = i; t < i + nb; ++t) {

@@ -66,10 +66,13 @@ void finish_shifted(Partial<T>& B, int64_t k, T c, const T* t) {
 }
 
 inline constexpr int64_t kMaxPeriodFast = 256;
+// Values a fast block reads: one component's run by component, rows x pc by
+// observation.
+inline constexpr int64_t kFastBlockElements = int64_t{1} << 16;
 
 // acc[q][e] += sum over rows r of (x[r][e] - c[e])^(q+1) for rows of `len`
-// elements (a multiple of the vector width), four rows per step so that each
-// accumulator is loaded and stored once per four rows.
+// elements (a multiple of the vector width) read in order; short rows four
+// per step, so that each accumulator is loaded and stored once per four rows.
 template <int R, class T>
 void shifted_rows_impl(const T* x, int64_t rows, int64_t len, const T* c,
                        T (*acc)[kMaxPeriodFast]) {
@@ -77,7 +80,10 @@ void shifted_rows_impl(const T* x, int64_t rows, int64_t len, const T* c,
   using V = typename L::V;
   constexpr int W = L::kWidth;
   int64_t r = 0;
-  for (; r + 4 <= rows; r += 4) {
+  // Four rows per step only while they are near each other: rows far apart are
+  // separate streams for the prefetcher, which halves the read rate.
+  const int64_t group_rows = len <= 64 ? rows : 0;
+  for (; r + 4 <= group_rows; r += 4) {
     const T* v = x + r * len;
     for (int64_t e = 0; e < len; e += W) {
       const V ce = L::load(c + e);
@@ -108,6 +114,7 @@ void shifted_rows_impl(const T* x, int64_t rows, int64_t len, const T* c,
         if (q + 1 < R) p = L::mul(p, d);
       }
     }
+    asm volatile("" ::: "memory");  // keeps the rows apart (no unroll-and-jam)
   }
 }
 
@@ -126,8 +133,9 @@ int64_t shifted_flat(const T* x, int64_t nb, int64_t pc, const T* shift, T* cons
   alignas(64) T c[kMaxPeriodFast] = {};
   for (int64_t e = 0; e < period; ++e) c[e] = shift[e % pc];
   shifted_rows_impl<R, T>(x, periods, period, c, acc);
-  for (int q = 0; q < R; ++q)
-    for (int64_t e = 0; e < period; ++e) t[q][e % pc] += acc[q][e];
+  for (int64_t e0 = 0; e0 < period; e0 += pc)
+    for (int q = 0; q < R; ++q)
+      for (int64_t k = 0; k < pc; ++k) t[q][k] += acc[q][e0 + k];
   return periods * per;
 }
 
