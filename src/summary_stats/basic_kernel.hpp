@@ -289,8 +289,8 @@ void fast_block_by_observation(const KernelArgs<T>& a, int64_t i0, int64_t nb, P
   int64_t done = 0;
   if constexpr (!Weighted)
     if (ldr == pc) done = shifted_flat<R, T>(rows, nb, pc, B.mean, t);
-  shifted_row_by_row<R, Weighted, T>(rows, ldr, done, nb, pc, Weighted ? a.w + i0 : nullptr,
-                                     B.mean, t);
+  shifted_row_by_row<R, Weighted, T>(rows, ldr, done, nb, pc, Weighted ? a.w + i0 : nullptr, B.mean,
+                                     t);
   for (int64_t k = 0; k < pc; ++k) {
     const T tk[4] = {t[0][k], t[1][k], t[2][k], t[3][k]};
     finish_shifted<T, R>(B, k, B.mean[k], tk);

@@ -12,8 +12,8 @@
 #include <algorithm>
 #include <limits>
 
-#include "summary_stats/basic_fixture.hpp"
 #include "oxa/vector_math.h"
+#include "summary_stats/basic_fixture.hpp"
 #include "summary_stats/task.hpp"
 
 namespace {

@@ -50,8 +50,8 @@ double lre(long double got, long double want) {
 }
 
 enum class Path { OneCall, ThreeCalls, UnitWeights, SumsThenConversion, CovarianceDiagonal };
-const char* const kPathNames[] = {"one call", "three calls", "unit weights",
-                                  "sums then conversion", "covariance diagonal"};
+const char* const kPathNames[] = {"one call", "three calls", "unit weights", "sums then conversion",
+                                  "covariance diagonal"};
 
 // The set in each of p components through one task; mean and variance out.
 struct Estimation {
@@ -74,10 +74,9 @@ struct Estimation {
                              width ? (void*)&n64 : (void*)&n32, width ? (void*)&st64 : (void*)&st32,
                              set.x.data(), w.empty() ? nullptr : w.data(), nullptr, width),
               0);
-    const std::pair<int32_t, double*> fields[] = {{7, mean.data()},  {8, raw2.data()},
-                                                  {11, c2.data()},   {67, sum.data()},
-                                                  {68, rs2.data()},  {71, cs2.data()},
-                                                  {19, cov.data()},  {23, accw.data()}};
+    const std::pair<int32_t, double*> fields[] = {
+        {7, mean.data()}, {8, raw2.data()}, {11, c2.data()},  {67, sum.data()},
+        {68, rs2.data()}, {71, cs2.data()}, {19, cov.data()}, {23, accw.data()}};
     for (const auto& [id, address] : fields) _vsldSSEditTask(task, id, address);
     // Consecutive calls carry the state in the sums (a call of one observation
     // has no variance to carry).
@@ -122,9 +121,9 @@ TEST(SummaryStatsNist, EveryMethodAndPathReachesThePeers) {
         for (int64_t storage : {0x10000, 0x20000})
           for (int width : {0, 1})
             for (int64_t p : {1, 3}) {
-              SCOPED_TRACE(testing::Message() << name << " method " << method << " "
-                                              << kPathNames[path] << " storage " << storage
-                                              << " width " << width << " p " << p);
+              SCOPED_TRACE(testing::Message()
+                           << name << " method " << method << " " << kPathNames[path] << " storage "
+                           << storage << " width " << width << " p " << p);
               Estimation r{set, method, storage, p, width, Path(path), {}, {}};
               r.go();
               for (int64_t j = 0; j < p; ++j) {
