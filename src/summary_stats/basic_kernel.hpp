@@ -317,9 +317,9 @@ int basic_kernel(const KernelArgs<T>& a) {
     // one long stream and make the per-block work (finish, merge) negligible.
     // Only a gathered block needs the scratch that a.block_size bounds.
     if (!ByObservation)
-      block_size = detail::kFastBlockElements;
+      block_size = detail::kFastBlockElements<T>;
     else if (a.contiguous)
-      block_size = std::max(a.block_size, detail::kFastBlockElements / a.pc);
+      block_size = std::max(a.block_size, detail::kFastBlockElements<T> / a.pc);
   }
   while (i < a.end) {
     const int64_t nb = std::min(block_size, a.end - i);
