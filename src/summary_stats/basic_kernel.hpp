@@ -253,24 +253,27 @@ void block_by_observation(const KernelArgs<T>& a, int64_t i0, int64_t nb, Partia
   }
 }
 
-// Fast-method block of observations [i0, i0 + nb) by component rows.
+// Fast-method sums of block [i0, i0 + nb) by component rows about `shift`:
+// B.sum and B.raw[0..2] get the sums of w (x - c)^k, k = 1..R.
 template <class T, bool Weighted, int R>
-void fast_block_by_component(const KernelArgs<T>& a, int64_t i0, int64_t nb, Partial<T>& B) {
+void fast_block_by_component(const KernelArgs<T>& a, int64_t i0, int64_t nb, const T* shift,
+                             Partial<T>& B) {
   const T* w = Weighted ? a.w + i0 : nullptr;
   for (int64_t k = 0; k < a.pc; ++k) {
-    const T* v = a.x + a.comp[k] * a.ld + i0;
-    const T c = fast_shift(*a.state, k, v[0]);
     T t[4] = {};
-    power_sums<R, Weighted>(v, w, nb, c, t);
-    finish_shifted<T, R>(B, k, c, t);
+    const T* v = a.x + a.comp[k] * a.ld + i0;
+    for (int64_t j = 0; j < nb; j += kFastChunk)  // lane sums flushed every chunk
+      power_sums<R, Weighted>(v + j, Weighted ? w + j : nullptr, std::min(kFastChunk, nb - j),
+                              shift[k], t);
+    B.sum[k] = t[0];
+    for (int q = 1; q < R; ++q) B.raw[q - 1][k] = t[q];
   }
 }
 
-// Fast-method block of observations [i0, i0 + nb) by observation rows. The
-// shift goes in B.mean and the shifted sums in B.sum and B.raw until the
-// block is finished.
+// The same by observation rows.
 template <class T, bool Weighted, int R>
-void fast_block_by_observation(const KernelArgs<T>& a, int64_t i0, int64_t nb, Partial<T>& B) {
+void fast_block_by_observation(const KernelArgs<T>& a, int64_t i0, int64_t nb, const T* shift,
+                               Partial<T>& B) {
   const int64_t pc = a.pc;
   const T* rows;
   int64_t ldr;
@@ -284,17 +287,65 @@ void fast_block_by_observation(const KernelArgs<T>& a, int64_t i0, int64_t nb, P
     rows = g;
     ldr = pc;
   }
-  for (int64_t k = 0; k < pc; ++k) B.mean[k] = fast_shift(*a.state, k, rows[k]);
   T* const t[4] = {B.sum, B.raw[0], B.raw[1], B.raw[2]};
   int64_t done = 0;
   if constexpr (!Weighted)
-    if (ldr == pc) done = shifted_flat<R, T>(rows, nb, pc, B.mean, t);
-  shifted_row_by_row<R, Weighted, T>(rows, ldr, done, nb, pc, Weighted ? a.w + i0 : nullptr, B.mean,
+    if (ldr == pc) done = shifted_flat<R, T>(rows, nb, pc, shift, t);
+  shifted_row_by_row<R, Weighted, T>(rows, ldr, done, nb, pc, Weighted ? a.w + i0 : nullptr, shift,
                                      t);
-  for (int64_t k = 0; k < pc; ++k) {
-    const T tk[4] = {t[0][k], t[1][k], t[2][k], t[3][k]};
-    finish_shifted<T, R>(B, k, B.mean[k], tk);
+}
+
+// The fast method without cross-products, observations [i, a.end): one shift
+// for the whole range (fast_sums.hpp), block sums added into range totals
+// (two-level summation; no mean differences between blocks to round), then
+// one finish and one merge into the state. The totals and the shift live at
+// the end of the scratch, past any gathered block.
+template <class T, bool ByObservation, bool Weighted, int R>
+void fast_range(const KernelArgs<T>& a, int64_t i, const Parts& parts) {
+  const int64_t pc = a.pc, ps = a.ps;
+  T* const total = a.scratch + 2 * a.block_size * ps;  // R arrays of ps
+  T* const shift = total + 4 * ps;
+  std::fill(total, shift + ps, T(0));
+  for (int64_t k = 0; k < pc; ++k)
+    shift[k] = fast_shift(*a.state, k,
+                          ByObservation ? a.x[i * a.ld + a.comp[k]] : a.x[a.comp[k] * a.ld + i]);
+  // One pass with nothing cached: long blocks keep each component's read one
+  // long stream. Only a gathered block is bounded by the scratch.
+  const int64_t block_size = !ByObservation ? kFastBlockElements<T>
+                             : a.contiguous && !Weighted
+                                 ? std::max(a.block_size, kFastBlockElements<T> / pc)
+                                 : a.block_size;
+  Partial<T>& B = *a.block;
+  T* const block_memory = B.sum;
+  T W = 0, W2 = 0;
+  for (; i < a.end; i += std::min(block_size, a.end - i)) {
+    const int64_t nb = std::min(block_size, a.end - i);
+    B.bind(block_memory, ps, false);
+    if constexpr (ByObservation)
+      fast_block_by_observation<T, Weighted, R>(a, i, nb, shift, B);
+    else
+      fast_block_by_component<T, Weighted, R>(a, i, nb, shift, B);
+    for (int64_t k = 0; k < pc; ++k) total[k] += B.sum[k];
+    for (int q = 1; q < R; ++q)
+      for (int64_t k = 0; k < pc; ++k) total[q * ps + k] += B.raw[q - 1][k];
+    if constexpr (Weighted) {
+      for (int64_t t = i; t < i + nb; ++t) {
+        W += a.w[t];
+        W2 += a.w[t] * a.w[t];
+      }
+    } else {
+      W += static_cast<T>(nb);
+    }
   }
+  if (W == 0) return;
+  B.bind(block_memory, ps, false);
+  B.W = W;
+  B.W2 = Weighted ? W2 : W;
+  for (int64_t k = 0; k < pc; ++k) {
+    const T t[4] = {total[k], total[ps + k], total[2 * ps + k], total[3 * ps + k]};
+    finish_shifted<T, R>(B, k, shift[k], t);
+  }
+  merge(*a.state, B, parts);
 }
 
 }  // namespace detail
@@ -311,18 +362,12 @@ int basic_kernel(const KernelArgs<T>& a) {
       while (i < a.end && a.w[i] == 0) ++i;
   Partial<T>& B = *a.block;
   T* block_memory = B.sum;
-  int64_t block_size = a.block_size;
   if constexpr (M == Method::Fast && !CP) {
-    // One pass with nothing cached: long blocks keep each component's read
-    // one long stream and make the per-block work (finish, merge) negligible.
-    // Only a gathered block needs the scratch that a.block_size bounds.
-    if (!ByObservation)
-      block_size = detail::kFastBlockElements<T>;
-    else if (a.contiguous)
-      block_size = std::max(a.block_size, detail::kFastBlockElements<T> / a.pc);
+    if (i < a.end) detail::fast_range<T, ByObservation, Weighted, R>(a, i, parts);
+    return 0;
   }
   while (i < a.end) {
-    const int64_t nb = std::min(block_size, a.end - i);
+    const int64_t nb = std::min(a.block_size, a.end - i);
     B.bind(block_memory, a.ps, CP);
     if constexpr (Weighted) {
       for (int64_t t = i; t < i + nb; ++t) {
@@ -333,12 +378,7 @@ int basic_kernel(const KernelArgs<T>& a) {
       B.W = B.W2 = static_cast<T>(nb);
     }
     if (B.W != 0) {
-      if constexpr (M == Method::Fast && !CP) {
-        if constexpr (ByObservation)
-          detail::fast_block_by_observation<T, Weighted, R>(a, i, nb, B);
-        else
-          detail::fast_block_by_component<T, Weighted, R>(a, i, nb, B);
-      } else if constexpr (ByObservation)
+      if constexpr (ByObservation)
         detail::block_by_observation<T, M, Weighted, R, C, CP>(a, i, nb, B);
       else
         detail::block_by_component<T, M, Weighted, R, C, CP>(a, i, nb, B);

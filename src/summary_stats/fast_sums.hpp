@@ -1,28 +1,33 @@
-// The fast method's block: one pass of shifted power sums, then the block's
-// mean, central sums and sums about zero derived from them.
+// The fast method's sums: one pass of shifted power sums, then the mean,
+// central sums and sums about zero derived from them.
 //
 // Method: per component, with a shift c, sums t_k = sum of w (x - c)^k for
-//   k = 1..R in one pass (no cached block, no second pass); then
-//   delta = t_1/W, mean = c + delta and, binomially about the mean,
+//   k = 1..R in one pass (no cached block, no second pass), block by block
+//   into totals over the range a kernel folds; then delta = t_1/W,
+//   mean = c + delta and, binomially about the mean,
 //     S2 = t2 - delta t1
 //     S3 = t3 - 3 delta t2 + 2 delta^2 t1
 //     S4 = t4 - 4 delta t3 + 6 delta^2 t2 - 3 delta^3 t1,
 //   and the sums about zero R_k from (mean, S_k): R2 = S2 + W m^2,
 //   R3 = S3 + 3 m S2 + W m^3, R4 = S4 + 4 m S3 + 6 m^2 S2 + W m^4 (every
 //   term bounded by sum of w |x|^k, so no digit is lost that the result has).
-//   Blocks then merge pairwise (basic_state.hpp), as in the one-pass method.
+//   Ranges (threads) and successive calls then merge pairwise
+//   (basic_state.hpp), as in the one-pass method.
 // Why the shift: sums about zero give S2 = W (r2 - m^2), which cancels when
 //   |mean| >> spread (values near 1e7 with spread 0.1 keep no correct digit,
 //   and the difference can come out negative). About a shift within the data's
 //   spread, t2 and delta t1 are of the size of S2 and the loss is what the
 //   data's own rounding costs. The shift is the running state's mean when the
-//   state holds observations, else the block's first observation; a
+//   state holds observations, else the range's first observation; a
 //   non-finite shift is replaced by 0 so that infinities give the same
-//   results as sums about zero.
+//   results as sums about zero. One shift for the whole range keeps the block
+//   sums additive: merging blocks instead would round each block's mean, an
+//   error of eps |mean| that the merge multiplies by the means' difference.
 // Accuracy: relative error about eps (block size / lanes + number of blocks)
-//   plus eps |mean - c|^2 / variance; S2 is clamped at 0 (a sum of squares).
+//   plus eps (mean - c)^2 / variance; S2 is clamped at 0 (a sum of squares).
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <numeric>
@@ -70,6 +75,9 @@ inline constexpr int64_t kMaxPeriodFast = 256;
 // observation. Float blocks are shorter: their lane sums are float, and
 // 2^13 / 32 lanes = 256 additions per lane keep the sums' error near what
 // the two-pass blocks give.
+// Values summed in lane accumulators before they are added to the block's
+// sums: running sums of a few hundred terms per lane at most.
+inline constexpr int64_t kFastChunk = 4096;
 template <class T>
 inline constexpr int64_t kFastBlockElements = sizeof(T) == 8 ? int64_t{1} << 16 : int64_t{1} << 13;
 
@@ -133,13 +141,18 @@ int64_t shifted_flat(const T* x, int64_t nb, int64_t pc, const T* shift, T* cons
   if (period > kMaxPeriodFast) return 0;
   const int64_t per = period / pc;
   const int64_t periods = nb / per;
-  alignas(64) T acc[R][kMaxPeriodFast] = {};
+  alignas(64) T acc[R][kMaxPeriodFast];
   alignas(64) T c[kMaxPeriodFast] = {};
   for (int64_t e = 0; e < period; ++e) c[e] = shift[e % pc];
-  shifted_rows_impl<R, T>(x, periods, period, c, acc);
-  for (int64_t e0 = 0; e0 < period; e0 += pc)
-    for (int q = 0; q < R; ++q)
-      for (int64_t k = 0; k < pc; ++k) t[q][k] += acc[q][e0 + k];
+  // Accumulators flushed every chunk of periods (short running sums).
+  const int64_t chunk = std::max<int64_t>(kFastChunk / period, 4);
+  for (int64_t r = 0; r < periods; r += chunk) {
+    for (int q = 0; q < R; ++q) std::fill(acc[q], acc[q] + period, T(0));
+    shifted_rows_impl<R, T>(x + r * period, std::min(chunk, periods - r), period, c, acc);
+    for (int64_t e0 = 0; e0 < period; e0 += pc)
+      for (int q = 0; q < R; ++q)
+        for (int64_t k = 0; k < pc; ++k) t[q][k] += acc[q][e0 + k];
+  }
   return periods * per;
 }
 
