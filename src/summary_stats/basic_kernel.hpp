@@ -311,9 +311,9 @@ void fast_range(const KernelArgs<T>& a, int64_t i, const Parts& parts) {
                           ByObservation ? a.x[i * a.ld + a.comp[k]] : a.x[a.comp[k] * a.ld + i]);
   // One pass with nothing cached: long blocks keep each component's read one
   // long stream. Only a gathered block is bounded by the scratch.
-  const int64_t block_size = !ByObservation ? kFastBlockElements<T>
+  const int64_t block_size = !ByObservation ? kFastBlockElements
                              : a.contiguous && !Weighted
-                                 ? std::max(a.block_size, kFastBlockElements<T> / pc)
+                                 ? std::max(a.block_size, kFastBlockElements / pc)
                                  : a.block_size;
   Partial<T>& B = *a.block;
   T* const block_memory = B.sum;

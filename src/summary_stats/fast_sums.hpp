@@ -71,15 +71,12 @@ void finish_shifted(Partial<T>& B, int64_t k, T c, const T* t) {
 }
 
 inline constexpr int64_t kMaxPeriodFast = 256;
-// Values a fast block reads: one component's run by component, rows x pc by
-// observation. Float blocks are shorter: their lane sums are float, and
-// 2^13 / 32 lanes = 256 additions per lane keep the sums' error near what
-// the two-pass blocks give.
 // Values summed in lane accumulators before they are added to the block's
-// sums: running sums of a few hundred terms per lane at most.
+// sums: running sums of a few hundred terms per lane at most (float ones too).
 inline constexpr int64_t kFastChunk = 4096;
-template <class T>
-inline constexpr int64_t kFastBlockElements = sizeof(T) == 8 ? int64_t{1} << 16 : int64_t{1} << 13;
+// Values a fast block reads: one component's run by component, rows x pc by
+// observation. Long runs read each component as one stream.
+inline constexpr int64_t kFastBlockElements = int64_t{1} << 18;
 
 // acc[q][e] += sum over rows r of (x[r][e] - c[e])^(q+1) for rows of `len`
 // elements (a multiple of the vector width) read in order; short rows four
