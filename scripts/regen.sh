@@ -4,8 +4,8 @@
 #   scripts/regen.sh            rewrite the generated files in place
 #   scripts/regen.sh --check    regenerate into a temporary tree, print a diff
 #                               and fail if anything differs (CI runs this)
-#   add --all to either to include the slow generators (minutes each), which
-#   are skipped by default.
+#   add --quick to either to skip the slow generators (about a minute of CPU
+#   each; several minutes of wall time on a loaded machine).
 #
 # Needs python3 and python3-mpmath (scripts/setup.sh). Generators run two at
 # a time.
@@ -21,26 +21,26 @@ fast=(
   "tools/wh_tables.py src/streams/wh_tables.cpp"
   "tests/streams/known_answers.py tests/streams/known_answers.inc"
 )
-# About 5 minutes on the development machine (mpmath fits of ~2000 rows).
+# About 1 minute of CPU on the development machine (mpmath fits of ~2000 rows).
 slow=(
   "tools/fit/cdfnorminv.py src/vector_math/cdfnorminv/cdfnorminv_tables.inc"
 )
 
 check=0
-all=0
+quick=0
 for arg in "$@"; do
   case "$arg" in
     --check) check=1 ;;
-    --all) all=1 ;;
-    *) echo "usage: scripts/regen.sh [--check] [--all]" >&2; exit 2 ;;
+    --quick) quick=1 ;;
+    *) echo "usage: scripts/regen.sh [--check] [--quick]" >&2; exit 2 ;;
   esac
 done
 
 jobs=("${fast[@]}")
-if [ "$all" -eq 1 ]; then
-  jobs+=("${slow[@]}")
+if [ "$quick" -eq 0 ]; then
+  jobs=("${slow[@]}" "${jobs[@]}")  # the slow ones first, beside the rest
 else
-  for job in "${slow[@]}"; do echo "regen: skipping ${job%% *} (slow; --all runs it)"; done
+  for job in "${slow[@]}"; do echo "regen: skipping ${job%% *} (--quick)"; done
 fi
 
 out=$(mktemp -d)
