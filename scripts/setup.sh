@@ -7,7 +7,7 @@ set -euo pipefail
 packages=(
   build-essential g++ cmake ninja-build pkg-config binutils
   libgtest-dev libgmock-dev libbenchmark-dev
-  libmpfr-dev libgmp-dev
+  libmpfr-dev libgmp-dev libmpc-dev
   libopenblas-dev
   clang libclang-rt-14-dev
   python3 python3-mpmath python3-scipy

@@ -29,11 +29,6 @@ struct Policy<fam::Sin, T, A> : trig::TrigPolicy<TrigOut::Sin, T, A> {
   static int32_t scalar(const T* a, T* r) { return vsin_cout_rare<T>(a, r); }
 };
 
-template void kernel_in1_out1<fam::Sin, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Sin, double, Acc::LA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Sin, double, Acc::EP>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Sin, float, Acc::HA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::Sin, float, Acc::LA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::Sin, float, Acc::EP>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/sin/sin_kernels.inc"
