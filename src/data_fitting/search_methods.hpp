@@ -12,7 +12,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstdint>
+#include <limits>
 #include <type_traits>
 
 #include "data_fitting/task.hpp"
@@ -184,9 +186,29 @@ inline int64_t uniform_cell(T t, T x0, T xl, T inv, int64_t nx) {
   return c < nx && uniform_breakpoint(x0, xl, nx, c) <= t ? c + 1 : c;
 }
 
+// A bound δ, in cells, such that a site whose v = inv·(t − x0) lies more than
+// δ from a whole number is in the guess's cell without checking: twice the
+// rounding of v (t − x0, inv and the product, relative to the exact position
+// nx·ε at most, plus the distance of inv from (nx − 1)/(x1 − x0)) plus that of
+// the breakpoints (nx·ε in the product and quotient, and half an ulp of the
+// largest end in the sum). 1 (never skip) from 2^-8 up: a wider band would
+// send so many groups to the checks that the branch itself costs more.
+template <Real T>
+inline double uniform_skip_margin(T x0, T x1, T inv, int64_t nx) {
+  const double u = std::numeric_limits<T>::epsilon() / 2;
+  const double n = static_cast<double>(nx - 1), d = static_cast<double>(x1) - x0;
+  const double inv_off = std::fabs(static_cast<double>(inv) * d / n - 1);
+  const double big = std::fmax(std::fabs(static_cast<double>(x0)),  // the largest end
+                               std::fabs(static_cast<double>(x1)));
+  const double delta = 2 * (static_cast<double>(nx) * (inv_off + 16 * u) + big * u * n / d);
+  return d > 0 && delta < 0x1p-8 ? delta : 1.0;  // NaN included
+}
+
 // Uniform (method 0): uniform_cell, four sites at a time without branches
-// (cells as whole doubles; the ends settled last by blending). x holds the
-// two ends; no other breakpoint is read.
+// but one: the breakpoint checks run only for a group with a site within δ
+// of a breakpoint (uniform_skip_margin). Cells are whole doubles; the ends
+// are settled last by blending. x holds the two ends; no other breakpoint is
+// read.
 template <Real T, class W>
 void search_uniform(int64_t nx, const T* x, T inv, int64_t n, const T* site,
                     typename W::Out* cell) {
@@ -197,14 +219,23 @@ void search_uniform(int64_t nx, const T* x, T inv, int64_t n, const T* site,
   const __m256d last = _mm256_set1_pd(static_cast<double>(nx - 1));
   const __m256d first = _mm256_set1_pd(static_cast<double>(x0));
   const __m256d right = _mm256_set1_pd(static_cast<double>(xl));
+  const double delta = uniform_skip_margin(x0, xl, inv, nx);
+  const __m256d near_lo = _mm256_set1_pd(delta), near_hi = _mm256_set1_pd(1 - delta);
   int64_t i = 0;
   for (; i + 4 <= n; i += 4) {
     const __m256d t = Lanes4<T>::wide(site + i);
-    __m256d c = _mm256_min_pd(_mm256_add_pd(guess4_whole(site + i, x0, inv, nx), one), top);
-    const __m256d down = _mm256_cmp_pd(b(_mm256_sub_pd(c, one)), t, _CMP_GT_OQ);
-    const __m256d up =
-        _mm256_and_pd(_mm256_cmp_pd(c, top, _CMP_LT_OQ), _mm256_cmp_pd(b(c), t, _CMP_LE_OQ));
-    c = _mm256_add_pd(_mm256_sub_pd(c, _mm256_and_pd(down, one)), _mm256_and_pd(up, one));
+    const __m256d v = Lanes4<T>::scaled(site + i, x0, inv);
+    const __m256d g = guess4_whole(site + i, x0, inv, nx);
+    __m256d c = _mm256_min_pd(_mm256_add_pd(g, one), top);
+    const __m256d f = _mm256_sub_pd(v, g);  // NaN, negative or >= 1 outside [0, nx)
+    const __m256d clear = _mm256_and_pd(_mm256_cmp_pd(f, near_lo, _CMP_GT_OQ),
+                                        _mm256_cmp_pd(f, near_hi, _CMP_LT_OQ));
+    if (_mm256_movemask_pd(clear) != 0xF) {
+      const __m256d down = _mm256_cmp_pd(b(_mm256_sub_pd(c, one)), t, _CMP_GT_OQ);
+      const __m256d up =
+          _mm256_and_pd(_mm256_cmp_pd(c, top, _CMP_LT_OQ), _mm256_cmp_pd(b(c), t, _CMP_LE_OQ));
+      c = _mm256_add_pd(_mm256_sub_pd(c, _mm256_and_pd(down, one)), _mm256_and_pd(up, one));
+    }
     c = _mm256_blendv_pd(c, last, _mm256_cmp_pd(t, right, _CMP_EQ_OQ));
     c = _mm256_andnot_pd(_mm256_cmp_pd(t, first, _CMP_NGE_UQ), c);  // t < x0 or NaN: 0
     store_cells4(c, cell + i);

@@ -259,10 +259,13 @@ std::vector<T> even_breakpoints(T x0, T x1, int64_t nx) {
   return b;
 }
 
-// Every value within 2 ulps of every breakpoint.
+// Every value within 2 ulps of every breakpoint, then random sites.
 template <class T>
 std::vector<T> sites_near(const std::vector<T>& b) {
   std::vector<T> s;
+  std::mt19937_64 g(b.size());
+  std::uniform_real_distribution<double> u(b.front() - 1, b.back() + 1);
+  for (int k = 0; k < 4000; ++k) s.push_back(static_cast<T>(u(g)));
   for (T v : b) {
     T lo = v, hi = v;
     for (int k = 0; k < 2; ++k) lo = std::nextafter(lo, T(-1e30)), hi = std::nextafter(hi, T(1e30));
