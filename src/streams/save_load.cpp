@@ -172,7 +172,7 @@ int32_t save_image(Channel* c, const StreamState* stream) {
   return status;
 }
 
-// The first chunk from `c` on whose key equals `key`, or null.
+// The first chunk, from `c` on, whose key equals `key`; null if none.
 const StreamChunk* chunk_with_key(const StreamChunk* c, const uint64_t key[2]) {
   while (c && (c->key[0] != key[0] || c->key[1] != key[1])) c = c->next;
   return c;
