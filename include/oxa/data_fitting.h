@@ -200,7 +200,9 @@ oxa_status oxa_df_kernel_sDFSearch1D(DfTask* task, int32_t cell_flags, int64_t n
  * 32-bit arithmetic (64Pack, for nx < 2^31 - 1) and a width-choosing entry
  * taking cell_flags. nsite < 1 writes nothing.
  *
- * Uniform: x holds the two ends of the partition; inv = (nx-1)/(x[1]-x[0]). */
+ * Uniform: x holds the two ends of the partition; inv = (nx-1)/(x[1]-x[0]).
+ * Breakpoint k is x[0] + k*(x[1]-x[0])/(nx-1) evaluated left to right in the
+ * partition's precision (the last one x[1]); cells follow those values. */
 oxa_status oxa_df_kernel_dDFUniformSearch1D32(int64_t nx, const double* x, int64_t nsite,
                                               const double* site, double inv, int32_t* cell);
 oxa_status oxa_df_kernel_dDFUniformSearch1D64(int64_t nx, const double* x, int64_t nsite,

@@ -266,7 +266,9 @@ int32_t _vslCPUisRDRAND(void);
  * is 16 header bytes, the generator state and one record per chunk; its size
  * is _vslGetStreamSize(stream). File names of length >= 0 need not be
  * terminated; a negative length means a zero-terminated name. A failed load
- * leaves NULL in the handle. */
+ * leaves NULL in the handle. Loading refuses (VSL_RNG_ERROR_BAD_IMAGE) a chunk
+ * with a shared key and no data, and chunks of one image that share a key but
+ * disagree on size; saving refuses a chunk with a size and no data. */
 int32_t _vslSaveStreamF(const StreamState* stream, const char* name, int32_t length);
 int32_t _vslLoadStreamF(StreamState** handle, const char* name, int32_t length);
 int32_t _vslSaveStreamM(const StreamState* stream, char* memory);

@@ -18,12 +18,21 @@
 // buffer larger than the bytes left in the file (such a chunk is a short
 // read). The memory loader has no size and trusts the buffer to hold the
 // whole image.
+//
+// Shared keys: a chunk never has a size with no data behind it. A chunk
+// whose key joins an entry of the shared read-only table takes the entry's
+// buffer, whose size the table does not record, so the loader refuses (bad
+// image) a keyed chunk without data and a keyed chunk whose size differs
+// from an earlier chunk of the same image under that key. A key that another
+// live stream already shares is trusted to name the same bytes. Saving
+// refuses a chunk with a size and no data instead of reading through null.
 #include <cstdio>
 #include <cstring>
 
 #include "oxa/service.h"
 #include "streams/cpu_features.hpp"
 #include "streams/registry.hpp"
+#include "streams/shared_table.hpp"
 #include "streams/stream_state.hpp"
 
 using namespace oxa::streams;
@@ -159,9 +168,16 @@ int32_t save_image(Channel* c, const StreamState* stream) {
     save(c, &k->key[0], 8);
     save(c, &k->key[1], 8);
     save(c, &k->size, 4);
+    if (k->size && k->data == nullptr) return VSL_RNG_ERROR_FILE_WRITE;
     status = save(c, k->data, k->size) == 0 ? 0 : VSL_RNG_ERROR_FILE_WRITE;
   }
   return status;
+}
+
+// The first chunk, from `c` on, whose key equals `key`; null if none.
+const StreamChunk* chunk_with_key(const StreamChunk* c, const uint64_t key[2]) {
+  while (c && (c->key[0] != key[0] || c->key[1] != key[1])) c = c->next;
+  return c;
 }
 
 // Reads the header's chunk records onto the stream; the status goes to *status.
@@ -185,6 +201,10 @@ void _vslReadChunks(int32_t* status, Channel* c, const ImageHeader* header, Stre
       *status = VSL_RNG_ERROR_FILE_READ;
       continue;
     }
+    if (size == 0 && !key_is_zero(key)) {  // nothing to share
+      *status = VSL_RNG_ERROR_BAD_IMAGE;
+      return;
+    }
     void* data = size ? oxa_serv_allocate(size, kBlockAlignment) : nullptr;
     if (size && data == nullptr) {
       *status = VSL_ERROR_NO_MEMORY;
@@ -201,8 +221,16 @@ void _vslReadChunks(int32_t* status, Channel* c, const ImageHeader* header, Stre
       *status = added;
       return;
     }
-    // A key already in the shared table makes the chunk use the table's data.
-    if (stream->chunks->data != data) oxa_serv_deallocate(data);
+    // A key already in the shared table makes the chunk use the table's data,
+    // which must be as long as the chunk claims.
+    if (stream->chunks->data != data) {
+      oxa_serv_deallocate(data);
+      const StreamChunk* earlier = chunk_with_key(stream->chunks->next, key);
+      if (earlier && earlier->size != size) {
+        *status = VSL_RNG_ERROR_BAD_IMAGE;
+        return;
+      }
+    }
   }
 }
 

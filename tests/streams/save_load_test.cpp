@@ -207,6 +207,9 @@ void put32(Bytes& b, size_t at, uint32_t v) {
   for (int i = 0; i < 4; ++i) b[at + size_t(i)] = uint8_t(v >> (8 * i));
 }
 constexpr size_t kFirstChunk = 24;  // after the 16-byte header and 8 bytes of state
+constexpr size_t kSecondChunk = kFirstChunk + 24 + 16;
+// Gives the chunk record at `at` a shared key (the same for every record).
+void share(Bytes& b, size_t at) { put32(b, at + 4, 0x5EED), put32(b, at + 16, 0xC0DE); }
 
 const Damage kDamages[] = {
     {"wrong magic", [](Bytes& b) { b[2] = 'X'; }, VSL_RNG_ERROR_BAD_IMAGE},
@@ -220,6 +223,17 @@ const Damage kDamages[] = {
     {"reserved bytes ignored", [](Bytes& b) { b[10] = 0xAB, b[11] = 0xCD; }, 0},
     {"huge chunk size", [](Bytes& b) { put32(b, kFirstChunk + 20, 0xFFFFFFF0u); },
      VSL_RNG_ERROR_FILE_READ, true},
+    // Chunks sharing a key take one buffer, so they must agree on its size.
+    {"shared key, no data then data", [](Bytes& b) {
+       share(b, kFirstChunk), share(b, kSecondChunk), put32(b, kFirstChunk + 20, 0);
+       b.erase(b.begin() + long(kFirstChunk + 24), b.begin() + long(kSecondChunk));
+     }, VSL_RNG_ERROR_BAD_IMAGE},
+    {"shared key, sizes 16 then 40",
+     [](Bytes& b) { share(b, kFirstChunk), share(b, kSecondChunk); }, VSL_RNG_ERROR_BAD_IMAGE},
+    {"shared key, sizes 16 and 16", [](Bytes& b) {
+       share(b, kFirstChunk), share(b, kSecondChunk), put32(b, kSecondChunk + 20, 16);
+       b.resize(kSecondChunk + 24 + 16);
+     }, 0},
     {"huge chunk count", [](Bytes& b) { put16(b, 8, 0xFFFF); }, VSL_RNG_ERROR_FILE_READ, true},
     {"no chunks read", [](Bytes& b) { put16(b, 8, 0); b.resize(kFirstChunk); }, 0},
     // Magic first, version byte last: accepted, but chunk records then have
@@ -250,6 +264,7 @@ TEST(SaveLoad, DamagedHeadersAndRecords) {
     StreamState* s = nullptr;
     EXPECT_EQ(load_file(&s, path), d.status) << d.what;
     EXPECT_EQ(s == nullptr, d.status != 0) << d.what;
+    if (s) image_of(s);  // an accepted image saves again
     StreamState* m = nullptr;
     if (!d.claims_more_bytes) {
       EXPECT_EQ(_vslLoadStreamM(&m, reinterpret_cast<const char*>(img.data())), d.status)
