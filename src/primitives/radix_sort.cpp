@@ -10,12 +10,18 @@
 // lands in P.
 #include "primitives/radix_sort.hpp"
 
+#include <immintrin.h>
+
 #include <algorithm>
 #include <cstring>
 #include <type_traits>
 
 #include "oxa/primitives.h"
 #include "oxa/service.h"
+
+#ifdef __linux__
+#include <sys/mman.h>
+#endif
 
 namespace oxa::prim {
 
@@ -77,6 +83,84 @@ void scatter(const Codec<T>& c, const typename Codec<T>::K* ks, typename Codec<T
   }
 }
 
+// Staging for large scatters: each bucket collects one 64-byte line of keys
+// (and the matching indices) and writes it whole once full, so a pass touches
+// one destination line (and page) per 64 bytes instead of one per key, and
+// lines that start on a 64-byte boundary of a large array go out as
+// non-temporal stores (no read of the old line). Lines shared with a
+// neighbouring bucket or chunk are written element by element.
+template <class K, class I>
+struct Staging {
+  static constexpr int kLine = 64 / int(sizeof(K));
+  alignas(64) K keys[kBuckets][kLine];
+  alignas(64) std::conditional_t<std::is_same_v<I, NoIndex>, char, I> index[kBuckets][kLine];
+  int64_t start[kBuckets];
+};
+constexpr int64_t kStagedMin = 4096;  // chunk size from which scatters are staged
+
+template <size_t kBytes>
+void write_line(void* dst, const void* src, bool stream) {
+  if constexpr (kBytes % 64 == 0) {
+    if (stream) {
+      for (size_t k = 0; k < kBytes; k += 32)
+        _mm256_stream_si256(reinterpret_cast<__m256i*>(static_cast<char*>(dst) + k),
+                            _mm256_load_si256(reinterpret_cast<const __m256i*>(static_cast<const char*>(src) + k)));
+      return;
+    }
+  }
+  std::memcpy(dst, src, kBytes);
+}
+
+template <class T, class I, In kIn, Out kOut, Idx kIdx>
+void scatter_staged(const Codec<T>& c, const typename Codec<T>::K* ks, typename Codec<T>::K* kd,
+                    const I* is, I* id, int64_t b, int64_t e, int shift, int64_t* off,
+                    Staging<typename Codec<T>::K, I>& st, bool stream) {
+  using K = typename Codec<T>::K;
+  constexpr int L = Staging<K, I>::kLine;
+  std::memcpy(st.start, off, sizeof st.start);
+  // Elements [lo, hi) of bucket d's current line go from staging to kd/id.
+  auto partial = [&](int d, int64_t lo, int64_t hi) {
+    for (int64_t p = lo; p < hi; ++p) {
+      kd[p] = st.keys[d][p & (L - 1)];
+      if constexpr (kIdx != Idx::kNone) id[p] = st.index[d][p & (L - 1)];
+    }
+  };
+  for (int64_t i = b; i < e; ++i) {
+    const K w = kIn == In::kRaw ? c.encode(ks[i]) : ks[i];
+    const int d = int((w >> shift) & kDigitMask);
+    const int64_t pos = off[d]++;
+    const int slot = int(pos & (L - 1));
+    st.keys[d][slot] = kOut == Out::kRaw ? c.decode(w) : w;
+    if constexpr (kIdx == Idx::kCarry) st.index[d][slot] = is[i];
+    if constexpr (kIdx == Idx::kIota) st.index[d][slot] = I(i);
+    if (slot == L - 1) {
+      const int64_t line = pos - (L - 1);
+      if (line >= st.start[d]) {
+        write_line<sizeof(K) * L>(kd + line, st.keys[d], stream);
+        if constexpr (kIdx != Idx::kNone) write_line<sizeof(I) * L>(id + line, st.index[d], stream);
+      } else {
+        partial(d, st.start[d], pos + 1);
+      }
+    }
+  }
+  for (int d = 0; d < kBuckets; ++d) {
+    const int64_t end = off[d], line = end & ~int64_t(L - 1);
+    partial(d, std::max(line, st.start[d]), end);
+  }
+  if (stream) _mm_sfence();
+}
+
+template <class T, class I, In kIn, Out kOut, Idx kIdx>
+void scatter_chunk(const Codec<T>& c, const typename Codec<T>::K* ks, typename Codec<T>::K* kd,
+                   const I* is, I* id, int64_t b, int64_t e, int shift, int64_t* off,
+                   Staging<typename Codec<T>::K, I>* st, bool stream) {
+  if (st != nullptr) {
+    scatter_staged<T, I, kIn, kOut, kIdx>(c, ks, kd, is, id, b, e, shift, off, *st, stream);
+  } else {
+    scatter<T, I, kIn, kOut, kIdx>(c, ks, kd, is, id, b, e, shift, off);
+  }
+}
+
 // Runs f(chunk) for every chunk, on the service parallel-for when there are
 // several.
 template <class F>
@@ -131,6 +215,20 @@ void insertion_sort(const Codec<T>& c, const typename Codec<T>::K* in,
   }
 }
 
+// Scratch arrays are scattered into at 2048 places at once: on Linux, ask
+// for 2 MiB pages over their whole 2 MiB blocks, which also saves most of the
+// page faults of first use.
+void advise_huge_pages(void* p, size_t bytes) {
+#ifdef __linux__
+  constexpr uintptr_t kHuge = uintptr_t(1) << 21;
+  const uintptr_t lo = (reinterpret_cast<uintptr_t>(p) + kHuge - 1) & ~(kHuge - 1);
+  const uintptr_t hi = (reinterpret_cast<uintptr_t>(p) + bytes) & ~(kHuge - 1);
+  if (hi > lo) madvise(reinterpret_cast<void*>(lo), hi - lo, MADV_HUGEPAGE);
+#else
+  (void)p, (void)bytes;
+#endif
+}
+
 size_t round_up(size_t bytes) { return (bytes + 127) & ~size_t(127); }
 
 // The engine. `a` is the caller's keys; `out` is `a` for an in-place sort and
@@ -150,9 +248,17 @@ int32_t run(const typename Codec<T>::K* a, typename Codec<T>::K* out, I* p, int6
   const size_t key_bytes = round_up(sizeof(K) * size_t(n));
   const size_t index_bytes = kIdx == Idx::kNone ? 0 : round_up(sizeof(I) * size_t(n));
   const size_t hist_bytes = sizeof(int64_t) * kBuckets * kP * size_t(chunks);
+  using Stage = Staging<K, I>;
+  const bool staged = sizeof(K) >= 4 && n / chunks >= kStagedMin;
+  const size_t stage_bytes = staged ? round_up(sizeof(Stage)) * size_t(chunks) : 0;
   auto* block = static_cast<unsigned char*>(oxa_serv_allocate(
-      key_bytes * (argsort ? 2 : 1) + index_bytes + hist_bytes, 128));
+      key_bytes * (argsort ? 2 : 1) + index_bytes + hist_bytes + stage_bytes, 128));
   if (block == nullptr) return OXA_PRIM_ERROR_NO_MEMORY;
+  advise_huge_pages(block, key_bytes * (argsort ? 2 : 1) + index_bytes);
+  unsigned char* stages = block + key_bytes * (argsort ? 2 : 1) + index_bytes + hist_bytes;
+  // Non-temporal lines only for arrays beyond the caches.
+  const bool large = sizeof(K) * size_t(n) >= size_t(OXA_PRIM_NONTEMPORAL_BYTES);
+  auto line_aligned = [](const void* ptr) { return (reinterpret_cast<uintptr_t>(ptr) & 63) == 0; };
   K* b = reinterpret_cast<K*>(block);
   K* c = argsort ? reinterpret_cast<K*>(block + key_bytes) : nullptr;
   I* q = reinterpret_cast<I*>(block + key_bytes * (argsort ? 2 : 1));
@@ -215,12 +321,14 @@ int32_t run(const typename Codec<T>::K* a, typename Codec<T>::K* out, I* p, int6
       const int64_t lo = begin(ch), hi = begin(ch + 1);
       constexpr Idx kFirstIdx = kIdx == Idx::kIota ? Idx::kIota : kIdx;
       constexpr Idx kLaterIdx = kIdx == Idx::kIota ? Idx::kCarry : kIdx;
+      Stage* st = staged ? reinterpret_cast<Stage*>(stages + round_up(sizeof(Stage)) * size_t(ch)) : nullptr;
+      const bool stream = large && line_aligned(dst) && (kIdx == Idx::kNone || line_aligned(idst));
       if (first) {  // always into scratch
-        scatter<T, I, In::kRaw, Out::kOrdered, kFirstIdx>(codec, src, dst, isrc, idst, lo, hi, shift, off);
+        scatter_chunk<T, I, In::kRaw, Out::kOrdered, kFirstIdx>(codec, src, dst, isrc, idst, lo, hi, shift, off, st, stream);
       } else if (to_caller) {
-        scatter<T, I, In::kOrdered, Out::kRaw, kLaterIdx>(codec, src, dst, isrc, idst, lo, hi, shift, off);
+        scatter_chunk<T, I, In::kOrdered, Out::kRaw, kLaterIdx>(codec, src, dst, isrc, idst, lo, hi, shift, off, st, stream);
       } else {
-        scatter<T, I, In::kOrdered, Out::kOrdered, kLaterIdx>(codec, src, dst, isrc, idst, lo, hi, shift, off);
+        scatter_chunk<T, I, In::kOrdered, Out::kOrdered, kLaterIdx>(codec, src, dst, isrc, idst, lo, hi, shift, off, st, stream);
       }
     };
     for_chunks(chunks, body);

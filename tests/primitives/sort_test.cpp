@@ -161,6 +161,14 @@ TYPED_TEST(RadixSort, MatchesStableSortAroundThreadingThreshold) {
   }
 }
 
+// Arrays beyond the non-temporal threshold, where whole staged lines are
+// streamed out.
+TEST(RadixSortLarge, StreamedScatter) {
+  const int64_t n32 = OXA_PRIM_NONTEMPORAL_BYTES / 4 + 5, n64 = OXA_PRIM_NONTEMPORAL_BYTES / 8 + 3;
+  check_all_modes(make_keys<uint32_t>(Shape::kRandom, n32, 7), false, 1, "uint32 large");
+  check_all_modes(make_keys<double>(Shape::kSpecials, n64, 8), true, 2, "double large");
+}
+
 // The documented order of the real classes, written out.
 TEST(RadixSortOrder, RealsFollowTotalOrder) {
   const double inf = INFINITY, nan = std::nan("");
