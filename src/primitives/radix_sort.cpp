@@ -83,15 +83,15 @@ void scatter(const Codec<T>& c, const typename Codec<T>::K* ks, typename Codec<T
   }
 }
 
-// Staging for large scatters: each bucket collects one 64-byte line of keys
-// (and the matching indices) and writes it whole once full, so a pass touches
-// one destination line (and page) per 64 bytes instead of one per key, and
+// Staging for large scatters: each bucket collects 128 bytes of keys
+// (and the matching indices) and writes them whole once full, so a pass touches
+// the destination once per two lines instead of once per key, and
 // lines that start on a 64-byte boundary of a large array go out as
 // non-temporal stores (no read of the old line). Lines shared with a
 // neighbouring bucket or chunk are written element by element.
 template <class K, class I>
 struct Staging {
-  static constexpr int kLine = 64 / int(sizeof(K));
+  static constexpr int kLine = 128 / int(sizeof(K));
   alignas(64) K keys[kBuckets][kLine];
   alignas(64) std::conditional_t<std::is_same_v<I, NoIndex>, char, I> index[kBuckets][kLine];
   int64_t start[kBuckets];
