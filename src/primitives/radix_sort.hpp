@@ -8,7 +8,12 @@
 //   * threads: min(thread limit, n / 2^16) chunks, so a parallel sort needs
 //     n >= OXA_PRIM_SORT_PARALLEL_MIN; each pass counts per chunk and
 //     scatters per chunk on the service parallel-for;
-//   * memory: n keys, n indices and the histograms from oxa_serv_allocate.
+//   * large scatters (chunks of 4096 keys or more, 32- and 64-bit keys) stage
+//     128 bytes per bucket and write them whole, non-temporally for arrays
+//     of OXA_PRIM_NONTEMPORAL_BYTES or more;
+//   * memory: n keys (2n for argsort), n indices, the histograms and the
+//     staging from oxa_serv_allocate; on Linux the scratch arrays are
+//     advised onto 2 MiB pages.
 // Return 0, or OXA_PRIM_ERROR_NO_MEMORY with the arrays unchanged.
 #pragma once
 
