@@ -266,13 +266,19 @@ int32_t run(const typename Codec<T>::K* a, typename Codec<T>::K* out, I* p, int6
   auto histogram = [&](int32_t chunk, int pass) { return hist + (size_t(chunk) * kP + pass) * kBuckets; };
   auto begin = [&](int32_t chunk) { return n * chunk / chunks; };
 
-  // Every digit of every chunk in one read.
+  // Every digit of every chunk in one read, counted in 32-bit words (half
+  // the cache footprint) over blocks of at most 2^31 keys.
   auto count_all = [&](int32_t ch) {
     int64_t* h = histogram(ch, 0);
     std::memset(h, 0, sizeof(int64_t) * kBuckets * kP);
-    for (int64_t i = begin(ch), e = begin(ch + 1); i < e; ++i) {
-      const K w = codec.encode(a[i]);
-      for (int pass = 0; pass < kP; ++pass) ++h[pass * kBuckets + ((w >> (pass * kDigitBits)) & kDigitMask)];
+    uint32_t local[kP * kBuckets];
+    for (int64_t i = begin(ch), e = begin(ch + 1); i < e;) {
+      std::memset(local, 0, sizeof local);
+      for (const int64_t stop = std::min(e, i + (int64_t(1) << 31)); i < stop; ++i) {
+        const K w = codec.encode(a[i]);
+        for (int pass = 0; pass < kP; ++pass) ++local[pass * kBuckets + ((w >> (pass * kDigitBits)) & kDigitMask)];
+      }
+      for (int k = 0; k < kP * kBuckets; ++k) h[k] += local[k];
     }
   };
   for_chunks(chunks, count_all);
