@@ -1,6 +1,8 @@
 // Copy and fill of 2^25 doubles (256 MiB, far above the non-temporal
 // threshold) side by side with memcpy and memset, and with the write floor:
 // a bare loop of aligned non-temporal vector stores over the same array.
+// Fills are measured with zero and with a nonzero value (3.0, and the byte
+// 0x40 for memset): storing zeros is cheaper on some machines.
 #include <benchmark/benchmark.h>
 #include <immintrin.h>
 
@@ -54,7 +56,7 @@ void BM_PrimFill(benchmark::State& state) {
 void BM_Memset(benchmark::State& state) {
   auto& a = arrays();
   for (auto _ : state) {
-    std::memset(a.dst.data(), 0, kElements * sizeof(double));
+    std::memset(a.dst.data(), int(state.range(0)), kElements * sizeof(double));
     benchmark::ClobberMemory();
   }
   finish(state);
@@ -64,7 +66,7 @@ void BM_StreamStoreFloor(benchmark::State& state) {
   auto* p = reinterpret_cast<char*>(a.dst.data());
   const size_t head = (0 - reinterpret_cast<uintptr_t>(p)) & 31;
   const size_t bytes = (kElements * sizeof(double) - head) & ~size_t(31);
-  const __m256i v = _mm256_setzero_si256();
+  const __m256i v = _mm256_castpd_si256(_mm256_set1_pd(double(state.range(0))));
   for (auto _ : state) {
     for (size_t i = 0; i < bytes; i += 32) _mm256_stream_si256(reinterpret_cast<__m256i*>(p + head + i), v);
     _mm_sfence();
@@ -76,7 +78,7 @@ void BM_StreamStoreFloor(benchmark::State& state) {
 BENCHMARK(BM_PrimCopy)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Memcpy)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PrimFill)->Arg(0)->Arg(3)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Memset)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_StreamStoreFloor)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Memset)->Arg(0)->Arg(0x40)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_StreamStoreFloor)->Arg(0)->Arg(3)->Unit(benchmark::kMillisecond);
 
 }  // namespace
