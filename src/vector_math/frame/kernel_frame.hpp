@@ -39,6 +39,7 @@
 #include <cstring>
 
 #include "oxa/vector_math.h"
+#include "primitives/control_word.hpp"
 #include "vector_math/frame/errors.hpp"
 #include "vector_math/frame/kernel.hpp"
 #include "vector_math/frame/simd.hpp"
@@ -53,14 +54,14 @@ class ControlWordScope {
     if (!active) return;
     const uint32_t wanted =
         (current_mode() & OXA_VML_DENORMAL_MASK) == OXA_VML_DENORMAL_FLUSH ? 0x8040u : 0u;
-    saved_ = _mm_getcsr();
+    saved_ = prim::read_control_word();
     if ((saved_ & 0xE040u) != wanted) {
-      _mm_setcsr((saved_ & 0xFFFF1FBFu) | wanted);
+      prim::write_control_word((saved_ & 0xFFFF1FBFu) | wanted);
       changed_ = true;
     }
   }
   ~ControlWordScope() {
-    if (changed_) _mm_setcsr(saved_);
+    if (changed_) prim::write_control_word(saved_);
   }
   ControlWordScope(const ControlWordScope&) = delete;
   ControlWordScope& operator=(const ControlWordScope&) = delete;
