@@ -12,21 +12,20 @@
 #include <cstring>
 
 #include "data_fitting/task.hpp"
+#include "data_fitting/uniform_partition.hpp"
 
 namespace oxa::df {
 
-// Breakpoint i of a partition. A uniform partition stores only its two ends
-// and has x[0] + i·(x[1] − x[0])/(nx − 1), the formula the cell search uses
-// too, so a site equal to a breakpoint meets the same number here and there.
+// Breakpoint i of a partition. A uniform partition stores only its two ends;
+// its breakpoints come from uniform_breakpoint, as the cell search's do, so a
+// site equal to a breakpoint meets the same number here and there.
 template <Real T>
 struct Breakpoints {
   const T* x;
   int64_t nx;
   bool uniform;
   T operator[](int64_t i) const {
-    if (!uniform) return x[i];
-    if (i == nx - 1) return x[1];
-    return x[0] + static_cast<T>(i) * (x[1] - x[0]) / static_cast<T>(nx - 1);
+    return uniform ? uniform_breakpoint(x[0], x[1], nx, i) : x[i];
   }
   T last() const { return uniform ? x[1] : x[nx - 1]; }
 };
