@@ -4,9 +4,10 @@
 // Which BLAS: the single-threaded OpenBLAS build (see CMakeLists.txt). The
 // library threads at its own level, through the service layer's OpenMP team,
 // and hands BLAS blocks of a few thousand elements (a multivariate Gaussian
-// chunk, a p × p covariance); there a second thread pool only adds hand-off
-// cost, and on two cores the threaded build was slower at every dimension
-// measured (3 to 1000). The threaded builds also start their pool when the
+// chunk, a p × p covariance), where a second thread pool only adds hand-off
+// cost: on two cores the threaded build was nowhere faster for the
+// multivariate Gaussian (dimensions 3 to 1000) and 1.8 times slower at 1000
+// (bench_distributions). The threaded builds also start their pool when the
 // library is loaded, in every process, whether it calls BLAS or not, and their
 // spin-wait hand-off is invisible to ThreadSanitizer, which then reports the
 // pool's reads of the caller's arrays as races. The serial build has no pool.
