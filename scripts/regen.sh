@@ -7,8 +7,9 @@
 #   add --quick to either to skip the slow generators (about a minute of CPU
 #   each; several minutes of wall time on a loaded machine).
 #
-# Needs python3 and python3-mpmath (scripts/setup.sh). Generators run two at
-# a time.
+# Needs Debian's python3 with python3-mpmath and python3-scipy (scripts/setup.sh);
+# /usr/bin/python3 is preferred over any other python3 on PATH, which may lack
+# them. Generators run two at a time.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -20,6 +21,9 @@ fast=(
   "tools/mt19937_poly.py src/streams/mt19937_poly.inc"
   "tools/wh_tables.py src/streams/wh_tables.cpp"
   "tests/streams/known_answers.py tests/streams/known_answers.inc"
+  "tools/sobol_table.py src/streams/sobol_table.cpp"
+  "tests/streams/quasi_random_answers.py tests/streams/quasi_random_answers.inc"
+  "tests/data_fitting/spline_reference.py tests/data_fitting/spline_reference.txt"
 )
 # About 1 minute of CPU on the development machine (mpmath fits of ~2000 rows).
 slow=(
@@ -43,6 +47,9 @@ else
   for job in "${slow[@]}"; do echo "regen: skipping ${job%% *} (--quick)"; done
 fi
 
+py=python3
+[ -x /usr/bin/python3 ] && py=/usr/bin/python3
+
 out=$(mktemp -d)
 trap 'rm -rf "$out"' EXIT
 
@@ -50,7 +57,7 @@ trap 'rm -rf "$out"' EXIT
 run() {
   local tool=$1 output=$2
   mkdir -p "$out/$(dirname "$output")"
-  python3 "$tool" > "$out/$output" 2> "$out/$output.log" || {
+  "$py" "$tool" > "$out/$output" 2> "$out/$output.log" || {
     echo "regen: $tool failed:" >&2
     cat "$out/$output.log" >&2
     return 1
@@ -67,7 +74,7 @@ for job in "${jobs[@]}"; do
   fi
 done
 for pid in "${pids[@]}"; do wait "$pid"; done
-python3 tools/vml_catalogue.py --out "$out"
+"$py" tools/vml_catalogue.py --out "$out"
 
 status=0
 for f in $(cd "$out" && find . -type f ! -name '*.log' | sed 's|^\./||' | sort); do
