@@ -12,10 +12,18 @@
 
 namespace oxa::vml {
 namespace fam {
-struct Probe;
-struct Probe2;
-struct ProbeScalar;
-struct ProbeTwoOut;
+struct Probe {
+  static constexpr const char* kName = "Probe";
+};
+struct Probe2 {
+  static constexpr const char* kName = "Probe2";
+};
+struct ProbeScalar {
+  static constexpr const char* kName = "ProbeScalar";
+};
+struct ProbeTwoOut {
+  static constexpr const char* kName = "ProbeTwoOut";
+};
 }  // namespace fam
 
 namespace {
@@ -33,14 +41,9 @@ struct Log {
 // other negatives are settled quietly to 0.
 template <class T, Acc A>
 struct Policy<fam::Probe, T, A> {
-  static constexpr const char* kName = "vProbe";
-  static constexpr bool kSetsControlWord = true;
-  static constexpr T kSafeInput = T(1);
-  static simd::Vec<T> special(simd::Vec<T> a) {
-    if constexpr (sizeof(T) == 8)
-      return simd::from_bits_d(_mm256_cmpgt_epi64(_mm256_setzero_si256(), simd::bits(a)));
-    else
-      return simd::from_bits_f(_mm256_cmpgt_epi32(_mm256_setzero_si256(), simd::bits(a)));
+  static simd::Mask<T> special(simd::Vec<T> a) {
+    using VI = simd::Vec<simd::IntOf<T>>;
+    return simd::mask_cast<T>(VI(0) > simd::bits(a));
   }
   static simd::Vec<T> vector(simd::Vec<T> a) {
     g_log.mxcsr_inside = _mm_getcsr();
@@ -57,30 +60,27 @@ struct Policy<fam::Probe, T, A> {
 
 template <class T, Acc A>
 struct Policy<fam::Probe2, T, A> {
-  static constexpr const char* kName = "vProbe2";
   static constexpr bool kSetsControlWord = false;
   static constexpr T kSafeInput = T(1), kSafeInput2 = T(2);
-  static simd::Vec<T> special(simd::Vec<T>, simd::Vec<T> b) { return Policy<fam::Probe, T, A>::special(b); }
+  static simd::Mask<T> special(simd::Vec<T>, simd::Vec<T> b) { return Policy<fam::Probe, T, A>::special(b); }
   static simd::Vec<T> vector(simd::Vec<T> a, simd::Vec<T> b) { return a * b; }
   static int32_t scalar(const T*, const T* b, T* r) { return *r = *b, 1; }
 };
 
 template <class T, Acc A>
 struct Policy<fam::ProbeScalar, T, A> {
-  static constexpr const char* kName = "vProbeScalar";
   static constexpr bool kSetsControlWord = false;
   static constexpr T kSafeInput = T(1);
-  static simd::Vec<T> special(simd::Vec<T> a, simd::Vec<T>) { return Policy<fam::Probe, T, A>::special(a); }
+  static simd::Mask<T> special(simd::Vec<T> a, simd::Vec<T>) { return Policy<fam::Probe, T, A>::special(a); }
   static simd::Vec<T> vector(simd::Vec<T> a, simd::Vec<T> b) { return a + b; }
   static int32_t scalar(const T*, const T* b, T* r) { return *r = -*b, 4; }
 };
 
 template <class T, Acc A>
 struct Policy<fam::ProbeTwoOut, T, A> {
-  static constexpr const char* kName = "vProbeTwoOut";
   static constexpr bool kSetsControlWord = false;
   static constexpr T kSafeInput = T(1);
-  static simd::Vec<T> special(simd::Vec<T> a) { return Policy<fam::Probe, T, A>::special(a); }
+  static simd::Mask<T> special(simd::Vec<T> a) { return Policy<fam::Probe, T, A>::special(a); }
   static void vector(simd::Vec<T> a, simd::Vec<T>& r1, simd::Vec<T>& r2) { r1 = a + a, r2 = a * a; }
   static int32_t scalar(const T*, T* r1, T* r2) { return *r1 = 0, *r2 = 0, 1; }
 };

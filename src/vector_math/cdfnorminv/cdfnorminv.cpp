@@ -65,24 +65,24 @@ constexpr const auto& layout() {
 }
 
 // One vector reduced: 2x, t and the coefficients of each lane's row.
-template <class R, const Layout<R>& L>
+template <class R, const Layout<R>& L, class Isa>
 struct Reduced {
-  simd::Vec<R> x2, t;
-  simd::Vec<R> c[(L.row_length + 3) / 4 * 4];
+  simd::Vec<R, Isa> x2, t;
+  simd::Vec<R, Isa> c[(L.row_length + 3) / 4 * 4];
 };
 
 // First half of R(y) * (2x - 1) for the lanes x of one vector: the reduction
 // and the table loads. Kernels reduce all their vectors before evaluating
 // any, so that the loads of later vectors do not wait behind the polynomials
 // of earlier ones.
-template <class R, const Layout<R>& L>
-[[gnu::always_inline]] inline Reduced<R, L> reduce(simd::Vec<R> x) {
-  using V = simd::Vec<R>;
+template <class R, const Layout<R>& L, class Isa>
+[[gnu::always_inline]] inline Reduced<R, L, Isa> reduce(simd::Vec<R, Isa> x) {
+  using V = simd::Vec<R, Isa>;
   constexpr bool kDouble = std::is_same_v<R, double>;
-  Reduced<R, L> z;
-  const V one = simd::broadcast(R(1)), two = simd::broadcast(R(2));
+  Reduced<R, L, Isa> z;
+  const V one(R(1)), two(R(2));
   z.x2 = x + x;
-  const V y = simd::select(x < simd::broadcast(R(0.5)), two - z.x2, z.x2);
+  const V y = simd::select(x < V(R(0.5)), two - z.x2, z.x2);
 
   // Row: B - (hy >> s), clamped to the table: x = 1/2 gives y = 1 and row -1,
   // taken as row 0 where the factor 2x - 1 = 0 makes the result +0; lanes
@@ -91,30 +91,32 @@ template <class R, const Layout<R>& L>
   V m;
   if constexpr (kDouble) {
     // In the 64-bit lanes directly: no cross-lane shuffle on the way to the loads.
-    __m256i k = _mm256_sub_epi64(_mm256_set1_epi64x(L.base), _mm256_srli_epi64(simd::bits(y), 32 + L.shift));
-    k = _mm256_andnot_si256(_mm256_cmpgt_epi64(_mm256_setzero_si256(), k), k);
-    const __m256i last = _mm256_set1_epi64x(L.rows - 1);
-    k = _mm256_blendv_epi8(k, last, _mm256_cmpgt_epi64(k, last));
-    const simd::Rows4 rows = simd::rows4(L.table, k, L.row_length);
+    using VL = simd::Vec<int64_t, Isa>;
+    VL k = VL(int64_t{L.base}) - simd::shr<32 + L.shift>(simd::bits(y));
+    k = simd::zero_where(VL(0) > k, k);
+    const VL last(int64_t{L.rows - 1});
+    k = simd::select(k > last, k, last);
+    const auto rows = simd::row_pointers(L.table, k, L.row_length);
 #pragma GCC unroll 8
-    for (int j = 0; j < L.row_length; j += 4) simd::gather_rows4(rows, j, z.c + j);
-    const __m256i keep = _mm256_set1_epi64x((int64_t{1} << (32 + L.shift)) - 1);
-    m = simd::from_bits_d(_mm256_or_si256(_mm256_and_si256(simd::bits(y), keep), simd::bits(one)));
+    for (int j = 0; j < L.row_length; j += 4) simd::gather_columns(rows, j, z.c + j);
+    const VL keep((int64_t{1} << (32 + L.shift)) - 1);
+    m = simd::from_bits((simd::bits(y) & keep) | simd::bits(one));
   } else {
-    __m256i k = _mm256_sub_epi32(_mm256_set1_epi32(L.base), _mm256_srli_epi32(simd::bits(y), L.shift));
-    k = _mm256_min_epi32(_mm256_max_epi32(k, _mm256_setzero_si256()), _mm256_set1_epi32(L.rows - 1));
-    simd::gather_rows8(L.table, _mm256_slli_epi32(k, 2), z.c);  // rows of 4 floats
-    const __m256i keep = _mm256_set1_epi32((1 << L.shift) - 1);
-    m = simd::from_bits_f(_mm256_or_si256(_mm256_and_si256(simd::bits(y), keep), simd::bits(one)));
+    using VI = simd::Vec<int32_t, Isa>;
+    VI k = VI(L.base) - simd::shr<L.shift>(simd::bits(y));
+    k = simd::min(simd::max(k, VI(0)), VI(L.rows - 1));
+    simd::gather_rows(L.table, simd::shl<2>(k), z.c);  // rows of 4 floats
+    const VI keep((1 << L.shift) - 1);
+    m = simd::from_bits((simd::bits(y) & keep) | simd::bits(one));
   }
-  z.t = m - simd::broadcast(L.constants()[kCentre]);
+  z.t = m - V(L.constants()[kCentre]);
   return z;
 }
 
 // Second half: the row polynomial R at t, times 2x - 1.
-template <class R, const Layout<R>& L>
-[[gnu::always_inline]] inline simd::Vec<R> evaluate(const Reduced<R, L>& z) {
-  using V = simd::Vec<R>;
+template <class R, const Layout<R>& L, class Isa>
+[[gnu::always_inline]] inline simd::Vec<R, Isa> evaluate(const Reduced<R, L, Isa>& z) {
+  using V = simd::Vec<R, Isa>;
   const V t = z.t;
   const V* c = z.c;
   if constexpr (!L.split) {
@@ -122,10 +124,10 @@ template <class R, const Layout<R>& L>
     // last two steps, which keeps the rounding of R near 0.5 ulp.
     const V r = simd::fma(simd::fma(poly::estrin<L.degree - 1>(c + 2, t), t, c[1]), t, c[0]);
     if constexpr (L.exact_factor) {  // 2x - 1 as a double-double: no rounding before the product
-      const dd::DD<V> d = dd::fast_two_sum(simd::broadcast(R(-1)), z.x2);
+      const dd::DD<V> d = dd::fast_two_sum(V(R(-1)), z.x2);
       return simd::fma(r, d.hi, r * d.lo);
     } else {
-      return r * (z.x2 - simd::broadcast(R(1)));  // 2x - 1 rounds for x < 1/4: 0.5 ulp more
+      return r * (z.x2 - V(R(1)));  // 2x - 1 rounds for x < 1/4: 0.5 ulp more
     }
   } else {
     // R = (c0_hi + c1_hi t) + (c0_lo + c1_lo t + t^2 q), the head exact;
@@ -138,7 +140,7 @@ template <class R, const Layout<R>& L>
     const V low = simd::fma(c[1], t, c[0]) + (head.lo + lin.lo);
     const V tail = simd::fma(t * t, q, low);
     // 2x - 1 exactly as a double-double; one rounding for the product.
-    const dd::DD<V> d = dd::fast_two_sum(simd::broadcast(R(-1)), z.x2);
+    const dd::DD<V> d = dd::fast_two_sum(V(R(-1)), z.x2);
     return simd::fma(head.hi, d.hi, simd::fma(tail, d.hi, head.hi * d.lo));
   }
 }
@@ -174,37 +176,9 @@ int32_t settle_special(uint32_t h, T x, T* r, const K* k) {
 
 }  // namespace
 
-template <Acc A>
-int32_t dCdfNormInv_SC(const double* x, double* r) {
-  const uint64_t b = std::bit_cast<uint64_t>(*x);
-  const uint32_t hx = static_cast<uint32_t>(b >> 32);
-  const uint32_t h = hx | (static_cast<uint32_t>(b) != 0 ? 1u : 0u);
-  const auto* k = layout<double, A>().constants();
-  if (h >= 1 && h <= 0x3FEFFFFFu) {
-    *r = h == 0x3FE00000u ? k[kZero] : dCdfNormInv_Tail(*x);
-    return VML_ERR_NONE;
-  }
-  return settle_special(h, *x, r, k);
-}
-
-template <Acc A>
-int32_t sCdfNormInv_SC(const float* x, float* r) {
-  const uint32_t h = std::bit_cast<uint32_t>(*x);
-  const auto* k = layout<float, A>().constants();
-  if (h >= 1 && h <= 0x3F7FFFFFu) {  // reached for EP below 2^-125 only
-    const double xd = *x;
-    double rd;
-    kernel_in1_out1<fam::CdfNormInv, double, Acc::HA>(1, &xd, &rd);
-    *r = static_cast<float>(rd);
-    return VML_ERR_NONE;
-  }
-  return settle_special(h, *x, r, k);
-}
-
 template <class T, Acc A>
 struct Policy<fam::CdfNormInv, T, A> {
   static constexpr bool kDouble = std::is_same_v<T, double>;
-  static constexpr const char* kName = kDouble ? "vdCdfNormInv" : "vsCdfNormInv";
   static constexpr bool kSetsControlWord = false;
   static constexpr T kSafeInput = T(0.75);
   static constexpr bool kFormulaTakesAnyInput = true;  // row indices are clamped
@@ -212,57 +186,73 @@ struct Policy<fam::CdfNormInv, T, A> {
   // Double: fast when 2^-54 <= x < 1, i.e. 0x3C900000 <= hx < 0x3FF00000; the
   // offset maps that interval onto the lowest signed values, so one signed
   // compare finds all others. Float: fast when 0 < x < 1 (bits 1..0x3F7FFFFF).
-  static simd::Vec<T> special(simd::Vec<T> x) {
+  template <class Isa>
+  static simd::Mask<T, Isa> special(simd::Vec<T, Isa> x) {
     if constexpr (kDouble) {
-      const __m128i biased = _mm_add_epi32(simd::high_words(x), _mm_set1_epi32(0x43700000));
-      return simd::widen_mask(_mm_cmpgt_epi32(biased, _mm_set1_epi32(static_cast<int32_t>(0x835FFFFFu))));
+      using VH = simd::Vec<int32_t, simd::Half<Isa>>;
+      const VH biased = simd::high_words(x) + VH(0x43700000);
+      return simd::widen(biased > VH(static_cast<int32_t>(0x835FFFFFu)));
     } else {
       // Fast from bits L (1, or 2^-125 for EP, whose float arithmetic needs a
       // normal y) to 0x3F7FFFFF; the same biased signed compare.
+      using VI = simd::Vec<int32_t, Isa>;
       constexpr uint32_t kLow = A == Acc::EP ? 0x01000000u : 1u;
-      const __m256i biased = _mm256_add_epi32(simd::bits(x), _mm256_set1_epi32(static_cast<int32_t>(0x80000000u - kLow)));
-      return simd::from_bits_f(_mm256_cmpgt_epi32(
-          biased, _mm256_set1_epi32(static_cast<int32_t>(0x80000000u + (0x3F7FFFFFu - kLow)))));
+      const VI biased = simd::bits(x) + VI(static_cast<int32_t>(0x80000000u - kLow));
+      return simd::mask_cast<float>(biased > VI(static_cast<int32_t>(0x80000000u + (0x3F7FFFFFu - kLow))));
     }
   }
 
   static constexpr const auto& L = layout<T, A>();
   using R = std::remove_cvref_t<decltype(*L.table)>;
 
-  [[gnu::always_inline]] static simd::Vec<T> vector(simd::Vec<T> x) {
+  template <class Isa>
+  [[gnu::always_inline]] static simd::Vec<T, Isa> vector(simd::Vec<T, Isa> x) {
     if constexpr (std::is_same_v<R, T>) {
-      return evaluate<R, L>(reduce<R, L>(x));
+      return evaluate(reduce<R, L>(x));
     } else {  // float lanes evaluated in double
       const auto lo = reduce<R, L>(simd::widen_low(x)), hi = reduce<R, L>(simd::widen_high(x));
-      return simd::narrow(evaluate<R, L>(lo), evaluate<R, L>(hi));
+      return simd::narrow(evaluate(lo), evaluate(hi));
     }
   }
 
   // Two vectors at once, both reduced before either is evaluated.
-  [[gnu::always_inline]] static void vector2(simd::Vec<T> x0, simd::Vec<T> x1, simd::Vec<T>& r0,
-                                             simd::Vec<T>& r1) {
+  template <class Isa>
+  [[gnu::always_inline]] static void vector2(simd::Vec<T, Isa> x0, simd::Vec<T, Isa> x1, simd::Vec<T, Isa>& r0,
+                                             simd::Vec<T, Isa>& r1) {
     if constexpr (std::is_same_v<R, T>) {
       const auto z0 = reduce<R, L>(x0), z1 = reduce<R, L>(x1);
-      r0 = evaluate<R, L>(z0), r1 = evaluate<R, L>(z1);
+      r0 = evaluate(z0), r1 = evaluate(z1);
     } else {
       r0 = vector(x0), r1 = vector(x1);
     }
   }
 
+  // One element outside the fast range: the far tail (double below 2^-54,
+  // float EP below 2^-125, through the double HA kernel) or a special value.
   static int32_t scalar(const T* x, T* r) {
-    if constexpr (kDouble)
-      return dCdfNormInv_SC<A>(x, r);
-    else
-      return sCdfNormInv_SC<A>(x, r);
+    const auto* k = L.constants();
+    if constexpr (kDouble) {
+      const uint64_t b = std::bit_cast<uint64_t>(*x);
+      const uint32_t hx = static_cast<uint32_t>(b >> 32);
+      const uint32_t h = hx | (static_cast<uint32_t>(b) != 0 ? 1u : 0u);
+      if (h >= 1 && h <= 0x3FEFFFFFu) {
+        *r = h == 0x3FE00000u ? k[kZero] : dCdfNormInv_Tail(*x);
+        return VML_ERR_NONE;
+      }
+      return settle_special(h, *x, r, k);
+    } else {
+      const uint32_t h = std::bit_cast<uint32_t>(*x);
+      if (h >= 1 && h <= 0x3F7FFFFFu) {  // reached for EP below 2^-125 only
+        const double xd = *x;
+        double rd;
+        kernel_in1_out1<fam::CdfNormInv, double, Acc::HA>(1, &xd, &rd);
+        *r = static_cast<float>(rd);
+        return VML_ERR_NONE;
+      }
+      return settle_special(h, *x, r, k);
+    }
   }
 };
-
-template int32_t dCdfNormInv_SC<Acc::HA>(const double*, double*);
-template int32_t dCdfNormInv_SC<Acc::LA>(const double*, double*);
-template int32_t dCdfNormInv_SC<Acc::EP>(const double*, double*);
-template int32_t sCdfNormInv_SC<Acc::HA>(const float*, float*);
-template int32_t sCdfNormInv_SC<Acc::LA>(const float*, float*);
-template int32_t sCdfNormInv_SC<Acc::EP>(const float*, float*);
 
 }  // namespace oxa::vml
 

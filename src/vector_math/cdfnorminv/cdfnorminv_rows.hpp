@@ -9,8 +9,6 @@
 // cdfnorminv_tables.cpp.
 #pragma once
 
-#include <immintrin.h>
-
 #include <cstdint>
 #include <type_traits>
 
@@ -63,32 +61,33 @@ constexpr const Layout& layout() {
     return A == Acc::HA ? kSingleHA : kSingleLA;  // single EP: the LA rows (in double)
 }
 
-using VD = simd::Vec<double>;
-
 // R(y) as hi + lo for four y in (0, 1) within the layout's rows; lo is the
 // extra precision of the split (HA) rows, and R = hi alone otherwise. y = 1
 // lies just past the top of row 0 and reads row 0 at its lower end: callers
 // either have a factor that vanishes there or move y below 1.
-template <const Layout& L>
+template <const Layout& L, class VD>
 [[gnu::always_inline]] inline dd::DD<VD> evaluate(VD y) {
-  const VD one = simd::broadcast(1.0);
-  __m128i k = _mm_sub_epi32(_mm_set1_epi32(L.base), _mm_srli_epi32(simd::high_words(y), L.shift));
-  k = _mm_max_epi32(k, _mm_setzero_si128());
-  const simd::Rows4 rows = simd::rows4(L.table, _mm_mullo_epi32(k, _mm_set1_epi32(L.row_length)));
+  using Isa = typename VD::IsaTag;
+  using VH = simd::Vec<int32_t, simd::Half<Isa>>;
+  using VL = simd::Vec<int64_t, Isa>;
+  const VD one(1.0);
+  VH k = VH(L.base) - simd::shr<L.shift>(simd::high_words(y));
+  k = simd::max(k, VH(0));
+  const auto rows = simd::row_pointers(L.table, simd::mullo(k, VH(L.row_length)));
 
   // t = (significand bits below the index, under the exponent of 1.0) - centre.
-  const __m256i keep = _mm256_set1_epi64x((int64_t{1} << (32 + L.shift)) - 1);
-  const VD m = simd::from_bits_d(_mm256_or_si256(_mm256_and_si256(simd::bits(y), keep), simd::bits(one)));
-  const VD t = m - simd::broadcast(L.constants()[kCentre]);
+  const VL keep((int64_t{1} << (32 + L.shift)) - 1);
+  const VD m = simd::from_bits((simd::bits(y) & keep) | simd::bits(one));
+  const VD t = m - VD(L.constants()[kCentre]);
 
   constexpr int kPadded = (L.row_length + 3) / 4 * 4;
   VD c[kPadded];
 #pragma GCC unroll 8
-  for (int j = 0; j < L.row_length; j += 4) simd::gather_rows4(rows, j, c + j);
+  for (int j = 0; j < L.row_length; j += 4) simd::gather_columns(rows, j, c + j);
 
   if constexpr (!L.split) {
     // Estrin: the dependency chain of a long Horner scheme bounds the speed.
-    return {poly::estrin<L.degree + 1>(c, t), simd::broadcast(0.0)};
+    return {poly::estrin<L.degree + 1>(c, t), VD(0.0)};
   } else {
     // R = (c0_hi + c1_hi t) + (c0_lo + c1_lo t + t^2 q), the head exact;
     // q = c2 + c3 t + ... is below 2^-3 of R, so its rounding is negligible.

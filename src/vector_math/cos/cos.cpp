@@ -14,18 +14,14 @@
 namespace oxa::vml {
 
 namespace fam {
-struct Cos;
+struct Cos {
+  static constexpr const char* kName = "Cos";
+};
 }  // namespace fam
-
-template <class T>
-int32_t vcos_cout_rare(const T* a, T* r) {
-  return trig_rare<T>(TrigOut::Cos, a, r, r);
-}
 
 template <class T, Acc A>
 struct Policy<fam::Cos, T, A> : trig::TrigPolicy<TrigOut::Cos, T, A> {
-  static constexpr const char* kName = std::is_same_v<T, double> ? "vdCos" : "vsCos";
-  static int32_t scalar(const T* a, T* r) { return vcos_cout_rare<T>(a, r); }
+  static int32_t scalar(const T* a, T* r) { return trig_rare<T>(TrigOut::Cos, a, r, r); }
 };
 
 }  // namespace oxa::vml

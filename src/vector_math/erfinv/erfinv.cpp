@@ -25,41 +25,42 @@
 
 namespace oxa::vml {
 namespace fam {
-struct ErfInv;
+struct ErfInv {
+  static constexpr const char* kName = "ErfInv";
+};
 }  // namespace fam
 
 namespace {
 
 using norm_rows::Layout;
-using norm_rows::VD;
 
 constexpr double kRootHalfHi = 0x1.6a09e667f3bcdp-1;  // 1/sqrt(2) = hi + lo
 constexpr double kRootHalfLo = -0x1.bdd3413b26456p-55;
 
 // x R(1 - |x|) / sqrt(2) for four x with |x| < 1.
-template <const Layout& L, Acc A>
+template <const Layout& L, Acc A, class VD>
 [[gnu::always_inline]] inline VD bulk(VD x) {
-  const VD ax{_mm256_andnot_pd(_mm256_set1_pd(-0.0), x.v)};
+  const VD ax = simd::abs(x);
   // |x| < 2^-54 rounds y to 1, past the top of row 0; the largest double
   // below 1 stands in for it, as R is flat there (R'(1) = 0).
-  const VD y{_mm256_min_pd((simd::broadcast(1.0) - ax).v, _mm256_set1_pd(0x1.fffffffffffffp-1))};
+  const VD y = simd::min(VD(1.0) - ax, VD(0x1.fffffffffffffp-1));
   const dd::DD<VD> R = norm_rows::evaluate<L>(y);
   if constexpr (!L.split) {
-    return R.hi * (x * simd::broadcast(kRootHalfHi));
+    return R.hi * (x * VD(kRootHalfHi));
   } else if constexpr (A == Acc::LA) {
     // The split rows with two plain roundings: within 1.5 ulp.
-    return (R.hi + R.lo) * (x * simd::broadcast(kRootHalfHi));
+    return (R.hi + R.lo) * (x * VD(kRootHalfHi));
   } else {
     // g = R/sqrt(2) in double-double, then x g with one rounding; x comes
     // last so that subnormal results are rounded only once too.
     // R.lo may be far above an ulp of R.hi, so g is renormalised: then x g.lo
     // is below 2^-53 of the result and its own rounding is negligible.
-    const dd::DD<VD> p = dd::two_prod(R.hi, simd::broadcast(kRootHalfHi));
-    const VD lo = simd::fma(R.hi, simd::broadcast(kRootHalfLo), simd::fma(R.lo, simd::broadcast(kRootHalfHi), p.lo));
+    const dd::DD<VD> p = dd::two_prod(R.hi, VD(kRootHalfHi));
+    const VD lo = simd::fma(R.hi, VD(kRootHalfLo), simd::fma(R.lo, VD(kRootHalfHi), p.lo));
     // Computed for |x| and given x's sign afterwards, so that -0 stays -0.
     const dd::DD<VD> g = dd::fast_two_sum(p.hi, lo);
     const VD r = simd::fma(ax, g.hi, ax * g.lo);
-    return {_mm256_or_pd(r.v, _mm256_and_pd(x.v, _mm256_set1_pd(-0.0)))};
+    return r | simd::sign_bit(x);
   }
 }
 
@@ -71,51 +72,45 @@ constexpr const Layout& rows() {
   return norm_rows::layout<T, std::is_same_v<T, double> && A == Acc::LA ? Acc::HA : A>();
 }
 
-// One element with |x| >= 1 or NaN.
-template <class T>
-int32_t erfinv_cout_rare(const T* a, T* r) {
-  const T x = *a;
-  if (x != x) {  // NaN: quiet it
-    *r = x * x;
-    return VML_ERR_NONE;
-  }
-  if (x == T(1) || x == T(-1)) {
-    *r = x / opaque(T(0));
-    return VML_ERR_SINGULARITY;
-  }
-  *r = opaque(std::numeric_limits<T>::infinity()) * opaque(T(0));
-  return VML_ERR_DOMAIN;
-}
-
 }  // namespace
 
 template <class T, Acc A>
 struct Policy<fam::ErfInv, T, A> {
-  static constexpr bool kDouble = std::is_same_v<T, double>;
-  static constexpr const char* kName = kDouble ? "vdErfInv" : "vsErfInv";
-  static constexpr bool kSetsControlWord = true;
   static constexpr T kSafeInput = T(0.5);
 
   // |x| >= 1, infinities and NaN: the magnitude bits at or above those of 1.
-  static simd::Vec<T> special(simd::Vec<T> x) {
-    if constexpr (kDouble) {
-      const __m256i h = _mm256_and_si256(simd::bits(x), _mm256_set1_epi64x(0x7FFFFFFFFFFFFFFF));
-      return simd::from_bits_d(_mm256_cmpgt_epi64(h, _mm256_set1_epi64x(0x3FEFFFFFFFFFFFFF)));
-    } else {
-      const __m256i h = _mm256_and_si256(simd::bits(x), _mm256_set1_epi32(0x7FFFFFFF));
-      return simd::from_bits_f(_mm256_cmpgt_epi32(h, _mm256_set1_epi32(0x3F7FFFFF)));
-    }
+  template <class Isa>
+  static simd::Mask<T, Isa> special(simd::Vec<T, Isa> x) {
+    using I = simd::IntOf<T>;
+    using VI = simd::Vec<I, Isa>;
+    constexpr I kAbs = std::numeric_limits<I>::max();  // all but the sign bit
+    constexpr I kBelowOne = sizeof(T) == 8 ? I(0x3FEFFFFFFFFFFFFF) : I(0x3F7FFFFF);
+    return simd::mask_cast<T>((simd::bits(x) & VI(kAbs)) > VI(kBelowOne));
   }
 
-  [[gnu::always_inline]] static simd::Vec<T> vector(simd::Vec<T> x) {
+  template <class Isa>
+  [[gnu::always_inline]] static simd::Vec<T, Isa> vector(simd::Vec<T, Isa> x) {
     constexpr const Layout& L = rows<T, A>();
-    if constexpr (kDouble)
+    if constexpr (std::is_same_v<T, double>)
       return bulk<L, A>(x);
     else
       return simd::narrow(bulk<L, A>(simd::widen_low(x)), bulk<L, A>(simd::widen_high(x)));
   }
 
-  static int32_t scalar(const T* a, T* r) { return erfinv_cout_rare<T>(a, r); }
+  // One element with |x| >= 1 or NaN.
+  static int32_t scalar(const T* a, T* r) {
+    const T x = *a;
+    if (x != x) {  // NaN: quiet it
+      *r = x * x;
+      return VML_ERR_NONE;
+    }
+    if (x == T(1) || x == T(-1)) {
+      *r = x / opaque(T(0));
+      return VML_ERR_SINGULARITY;
+    }
+    *r = opaque(std::numeric_limits<T>::infinity()) * opaque(T(0));
+    return VML_ERR_DOMAIN;
+  }
 };
 
 }  // namespace oxa::vml

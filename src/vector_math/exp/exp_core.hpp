@@ -8,14 +8,11 @@
 // Deg = 5, 2^-38.7 for 3, 2^-28.2 for 2, 2^-18 for 1 (relative).
 #pragma once
 
-#include <immintrin.h>
-
 #include <bit>
 #include <cmath>
 #include <cstdint>
 
 #include "oxa/vector_math.h"
-#include "vector_math/frame/lanes.hpp"
 #include "vector_math/frame/runtime_value.hpp"
 #include "vector_math/frame/simd.hpp"
 
@@ -23,21 +20,21 @@ namespace oxa::vml::expc {
 
 #include "vector_math/exp/exp_table.inc"
 
-using VD = simd::Vec<double>;
+using simd::Vec;
 
 // Taylor coefficients 1/n! of e^r - r - 1, from n = 2.
 inline constexpr double kInvFact[] = {0x1p-1, 0x1.5555555555555p-3, 0x1.5555555555555p-5,
                                       0x1.1111111111111p-7, 0x1.6c16c16c16c17p-10};
 
 // e^r - 1 = r + r^2 (1/2 + r/6 + ...), Deg >= 1.
-template <int Deg>
+template <int Deg, class VD>
 [[gnu::always_inline]] inline VD expm1_small(VD r) {
   if constexpr (Deg == 1) {
     return r;
   } else {
-    VD q = simd::broadcast(kInvFact[Deg - 2]);
+    VD q(kInvFact[Deg - 2]);
 #pragma GCC unroll 8
-    for (int j = Deg - 3; j >= 0; --j) q = simd::fma(q, r, simd::broadcast(kInvFact[j]));
+    for (int j = Deg - 3; j >= 0; --j) q = simd::fma(q, r, VD(kInvFact[j]));
     return simd::fma(r * r, q, r);
   }
 }
@@ -49,23 +46,25 @@ struct Exp {
   // e^(x + x_lo) * 2^adjust for |x| <= 746, provided the result's exponent
   // stays inside the normal range (|x| < 704 for adjust = 0). Rounded once at
   // the end: 0.5 ulp + about 0.01 ulp with the tail and Deg = 5.
-  [[gnu::always_inline]] static VD eval(VD x, VD x_lo, int64_t adjust = 0) {
-    const VD shift = simd::broadcast(0x1.8p52);
-    const VD kd_shifted = simd::fma(x, simd::broadcast(kInvLn2N), shift);
-    const __m256i ki = simd::bits(kd_shifted);
+  template <class Isa>
+  [[gnu::always_inline]] static Vec<double, Isa> eval(Vec<double, Isa> x, Vec<double, Isa> x_lo, int64_t adjust = 0) {
+    using VD = Vec<double, Isa>;
+    using VL = Vec<int64_t, Isa>;
+    const VD shift(0x1.8p52);
+    const VD kd_shifted = simd::fma(x, VD(kInvLn2N), shift);
+    const VL ki = simd::bits(kd_shifted);
     const VD kd = kd_shifted - shift;
     // r = x - kd ln2/N: kd * head is exact and cancels exactly against x.
-    VD r = simd::fnma(kd, simd::broadcast(kLn2NHead), x);
-    r = simd::fnma(kd, simd::broadcast(kLn2NTail), r);
+    VD r = simd::fnma(kd, VD(kLn2NHead), x);
+    r = simd::fnma(kd, VD(kLn2NTail), r);
     if constexpr (kHasLo) r = r + x_lo;
 
-    const __m256i j = _mm256_and_si256(ki, _mm256_set1_epi64x(kN - 1));
+    const VL j = ki & VL(kN - 1);
     // (k div N) into the exponent field, wrapping modulo 2^64 like the bits.
-    const __m256i top = _mm256_add_epi64(_mm256_slli_epi64(_mm256_andnot_si256(_mm256_set1_epi64x(kN - 1), ki), 45),
-                                         _mm256_set1_epi64x(adjust << 52));
+    const VL top = simd::shl<45>(simd::and_not(ki, VL(kN - 1))) + VL(adjust << 52);
     VD hi, tail;
-    lanes::load_pairs4(kExp2, j, hi, tail);
-    const VD scale = simd::from_bits_d(_mm256_add_epi64(simd::bits(hi), top));
+    simd::load_pairs(kExp2, j, hi, tail);
+    const VD scale = simd::from_bits(simd::bits(hi) + top);
     VD p = expm1_small<Deg>(r);
     if constexpr (kTail) p = p + tail;
     return simd::fma(scale, p, scale);
@@ -80,22 +79,23 @@ struct Exp {
 // in r and the polynomial add about 0.1 ulp.
 template <int Deg, bool kTail>
 struct ExpSingle {
-  using VF = simd::Vec<float>;
   // e^x for |x| < 87 (the result is then a normal float).
-  [[gnu::always_inline]] static VF eval(VF x) {
-    const VF kf{_mm256_round_ps((x * simd::broadcast(kInvLn2N8f)).v, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
-    VF r = simd::fnma(kf, simd::broadcast(kLn2N8Headf), x);  // exact
-    r = simd::fnma(kf, simd::broadcast(kLn2N8Tailf), r);
-    const __m256i ki = _mm256_cvtps_epi32(kf.v);
-    const __m256i j = _mm256_and_si256(ki, _mm256_set1_epi32(7));
-    const __m256i top = _mm256_slli_epi32(_mm256_srai_epi32(ki, 3), 23);
-    const __m256 hi = _mm256_permutevar8x32_ps(_mm256_load_ps(kExp2N8Hif), j);
-    const VF scale = simd::from_bits_f(_mm256_add_epi32(_mm256_castps_si256(hi), top));
-    VF q = simd::broadcast(static_cast<float>(kInvFact[Deg - 2]));
+  template <class Isa>
+  [[gnu::always_inline]] static Vec<float, Isa> eval(Vec<float, Isa> x) {
+    using VF = Vec<float, Isa>;
+    using VI = Vec<int32_t, Isa>;
+    const VF kf = simd::round_even(x * VF(kInvLn2N8f));
+    VF r = simd::fnma(kf, VF(kLn2N8Headf), x);  // exact
+    r = simd::fnma(kf, VF(kLn2N8Tailf), r);
+    const VI ki = simd::to_int_nearest(kf);
+    const VI j = ki & VI(7);
+    const VI top = simd::shl<23>(simd::sar<3>(ki));
+    const VF scale = simd::from_bits(simd::bits(simd::lookup8(kExp2N8Hif, j)) + top);
+    VF q(static_cast<float>(kInvFact[Deg - 2]));
 #pragma GCC unroll 4
-    for (int n = Deg - 3; n >= 0; --n) q = simd::fma(q, r, simd::broadcast(static_cast<float>(kInvFact[n])));
+    for (int n = Deg - 3; n >= 0; --n) q = simd::fma(q, r, VF(static_cast<float>(kInvFact[n])));
     VF p = simd::fma(r * r, q, r);
-    if constexpr (kTail) p = p + VF{_mm256_permutevar8x32_ps(_mm256_load_ps(kExp2N8Tailf), j)};
+    if constexpr (kTail) p = p + simd::lookup8(kExp2N8Tailf, j);
     return simd::fma(scale, p, scale);
   }
 };

@@ -1,163 +1,169 @@
-// Thin AVX2 wrapper: one vector type per element type, with the arithmetic the
-// kernel frame and the families need. Vec<double> holds 4 lanes, Vec<float> 8.
-// fma/fms/fnma are always fused (the library is built without contraction, so
-// a*b+c written with operators rounds twice).
+// The instruction-set-neutral vector layer: families write their formulas
+// once over Vec<T, Isa> and Mask<T, Isa>; only the files of frame/ name
+// processor intrinsics.
+//
+// Instruction sets (empty tags): Avx2 (256-bit, the library's build target),
+// Avx512 (512-bit; its operations exist only in translation units compiled
+// with -mavx512f -mavx512dq -mavx512bw -mavx512vl), and Sse (128-bit), which
+// holds the half-width vectors of Avx2. Half<Isa> names the instruction set
+// of the half-width vectors: Half<Avx2> = Sse, Half<Avx512> = Avx2.
+//
+// Types. Vec<T, Isa> for T = double, float, int64_t, int32_t; v is the
+// native register; kLanes lanes; Vec<T, Isa>(x) broadcasts x.
+//   Vec<double, Isa> and Vec<int64_t, Isa> have the same lane count N,
+//   Vec<float, Isa> and Vec<int32_t, Isa> have 2N; Vec<int32_t, Half<Isa>>
+//   and Vec<float, Half<Isa>> have N lanes, one per double.
+// Mask<T, Isa>: one bit per lane of Vec<T, Isa> (Avx2: all-ones lanes;
+//   Avx512: a mask register).
+//
+// Operations (Avx2 and Avx512; Sse has only what the half-width vectors
+// need: the int32 operations, the estimates, widen, demote and promote):
+//   load<Isa>(p), store(p, v), broadcast<Isa>(x);
+//   + - * / (and unary -), fma(a,b,c) = a*b+c, fms = a*b-c, fnma = c-a*b,
+//     each rounded once (also on plain double and float); sqrt (also on
+//     plain double and float, errno untouched), min, max,
+//     abs, sign_bit, round_even / floor / ceil / trunc (no exception),
+//     rint (current rounding mode);
+//   & | ^ on any Vec, and_not(a, b) = a & ~b;
+//   compares: == < <= > >= != (ordered, false on NaN; != true on NaN),
+//     nlt (unordered not-less) and is_nan on floating lanes; == and > (signed)
+//     on integer lanes; all give a Mask;
+//   masks: & | ^, and_not, ~, any, lane_bits (bit k = lane k),
+//     select(m, a, b) (b where m is set, else a), keep_where(m, x) (x or 0),
+//     zero_where(m, x) (0 or x), mask_cast<U>(m) between lane types of one width,
+//     widen(m) from Mask<int32_t, Half<Isa>> to Mask<double, Isa>,
+//     sign_mask(x): the lanes whose sign bit is set (on Avx2 good for
+//     select, lane_bits, any and mask logic only);
+//   bit casts: bits(Vec<double>) -> Vec<int64_t>, bits(Vec<float>) ->
+//     Vec<int32_t>, from_bits(...) back;
+//   integers: + - on int64/int32 lanes, shl<n>, shr<n> (logical), sar<n>
+//     (arithmetic, int32 lanes), min/max and mullo (int32 lanes);
+//   conversions: to_double(Vec<int32_t, Half<Isa>>), to_float(Vec<int32_t>),
+//     to_int_nearest(Vec<float>), high_words(Vec<double>) ->
+//     Vec<int32_t, Half<Isa>>, widen_low/widen_high(Vec<float>) ->
+//     Vec<double>, narrow(lo, hi) -> Vec<float>, demote(Vec<double>) ->
+//     Vec<float, Half<Isa>>, promote back;
+//   estimates: rsqrt_estimate and rcp_estimate of float lanes (Sse, Avx2:
+//     within 1.5 * 2^-12; Avx512: 2^-14);
+//   table lookups: load_pairs(t, j, first, second) = t[2j], t[2j+1] for
+//     int64 lanes j; row_pointers(table, offsets) (int32 element offsets, one
+//     per double lane) or row_pointers(table, rows, length) (int64 rows),
+//     then gather_columns(rows, j, out[4]) = coefficients j..j+3 of each
+//     lane's row (rows padded by 3 elements); gather_rows(table, offsets,
+//     out[4]) for float rows of 4; lookup8 / lookup16(table, idx): an
+//     in-register lookup in an aligned table of 8 or 16 floats (idx in 0..7
+//     or 0..15).
 #pragma once
 
 #include <immintrin.h>
 
 #include <cmath>
 #include <cstdint>
+#include <type_traits>
 
 namespace oxa::vml::simd {
 
+struct Sse {};
+struct Avx2 {};
+struct Avx512 {};
+
+template <class Isa>
+struct HalfOf;
+template <>
+struct HalfOf<Avx2> {
+  using type = Sse;
+};
+template <>
+struct HalfOf<Avx512> {
+  using type = Avx2;
+};
+template <class Isa>
+using Half = typename HalfOf<Isa>::type;
+
+// The native register of each (element type, instruction set).
+template <class T, class Isa>
+struct Native;
+template <> struct Native<double, Sse> { using type = __m128d; using mask = __m128d; };
+template <> struct Native<float, Sse> { using type = __m128; using mask = __m128; };
+template <> struct Native<int64_t, Sse> { using type = __m128i; using mask = __m128i; };
+template <> struct Native<int32_t, Sse> { using type = __m128i; using mask = __m128i; };
+template <> struct Native<double, Avx2> { using type = __m256d; using mask = __m256d; };
+template <> struct Native<float, Avx2> { using type = __m256; using mask = __m256; };
+template <> struct Native<int64_t, Avx2> { using type = __m256i; using mask = __m256i; };
+template <> struct Native<int32_t, Avx2> { using type = __m256i; using mask = __m256i; };
+template <> struct Native<double, Avx512> { using type = __m512d; using mask = __mmask8; };
+template <> struct Native<float, Avx512> { using type = __m512; using mask = __mmask16; };
+template <> struct Native<int64_t, Avx512> { using type = __m512i; using mask = __mmask8; };
+template <> struct Native<int32_t, Avx512> { using type = __m512i; using mask = __mmask16; };
+
+template <class T, class Isa = Avx2>
+struct Vec {
+  using Elem = T;
+  using IsaTag = Isa;
+  using native = typename Native<T, Isa>::type;
+  static constexpr int kLanes = static_cast<int>(sizeof(native) / sizeof(T));
+  native v;
+  Vec() = default;
+  Vec(native n) : v(n) {}  // NOLINT: implicit, so that {intrinsic(...)} reads as a Vec
+  explicit Vec(T x);       // broadcast (defined per instruction set)
+};
+
+template <class T, class Isa = Avx2>
+struct Mask {
+  using native = typename Native<T, Isa>::mask;
+  static constexpr int kLanes = Vec<T, Isa>::kLanes;
+  native m;
+};
+
+// Integer lanes of the same width as T.
 template <class T>
-struct Vec;
+using IntOf = std::conditional_t<sizeof(T) == 8, int64_t, int32_t>;
 
-template <>
-struct Vec<double> {
-  static constexpr int kLanes = 4;
-  __m256d v;
-};
+template <class Isa = Avx2, class T>
+Vec<T, Isa> load(const T* p);
 
-template <>
-struct Vec<float> {
-  static constexpr int kLanes = 8;
-  __m256 v;
-};
+template <class Isa = Avx2, class T>
+inline Vec<T, Isa> broadcast(T x) {
+  return Vec<T, Isa>(x);
+}
 
-inline Vec<double> load(const double* p) { return {_mm256_loadu_pd(p)}; }
-inline Vec<float> load(const float* p) { return {_mm256_loadu_ps(p)}; }
-inline void store(double* p, Vec<double> x) { _mm256_storeu_pd(p, x.v); }
-inline void store(float* p, Vec<float> x) { _mm256_storeu_ps(p, x.v); }
-
-inline Vec<double> broadcast(double x) { return {_mm256_set1_pd(x)}; }
-inline Vec<float> broadcast(float x) { return {_mm256_set1_ps(x)}; }
-
-inline Vec<double> operator+(Vec<double> a, Vec<double> b) { return {_mm256_add_pd(a.v, b.v)}; }
-inline Vec<double> operator-(Vec<double> a, Vec<double> b) { return {_mm256_sub_pd(a.v, b.v)}; }
-inline Vec<double> operator*(Vec<double> a, Vec<double> b) { return {_mm256_mul_pd(a.v, b.v)}; }
-inline Vec<double> operator/(Vec<double> a, Vec<double> b) { return {_mm256_div_pd(a.v, b.v)}; }
-inline Vec<float> operator+(Vec<float> a, Vec<float> b) { return {_mm256_add_ps(a.v, b.v)}; }
-inline Vec<float> operator-(Vec<float> a, Vec<float> b) { return {_mm256_sub_ps(a.v, b.v)}; }
-inline Vec<float> operator*(Vec<float> a, Vec<float> b) { return {_mm256_mul_ps(a.v, b.v)}; }
-inline Vec<float> operator/(Vec<float> a, Vec<float> b) { return {_mm256_div_ps(a.v, b.v)}; }
-
-// a*b + c, a*b - c and c - a*b, each rounded once.
-inline Vec<double> fma(Vec<double> a, Vec<double> b, Vec<double> c) { return {_mm256_fmadd_pd(a.v, b.v, c.v)}; }
-inline Vec<double> fms(Vec<double> a, Vec<double> b, Vec<double> c) { return {_mm256_fmsub_pd(a.v, b.v, c.v)}; }
-inline Vec<double> fnma(Vec<double> a, Vec<double> b, Vec<double> c) { return {_mm256_fnmadd_pd(a.v, b.v, c.v)}; }
-inline Vec<float> fma(Vec<float> a, Vec<float> b, Vec<float> c) { return {_mm256_fmadd_ps(a.v, b.v, c.v)}; }
-inline Vec<float> fms(Vec<float> a, Vec<float> b, Vec<float> c) { return {_mm256_fmsub_ps(a.v, b.v, c.v)}; }
-inline Vec<float> fnma(Vec<float> a, Vec<float> b, Vec<float> c) { return {_mm256_fnmadd_ps(a.v, b.v, c.v)}; }
-
-// Scalar versions so that templates over "double or Vec<double>" read alike.
+// Scalar fused operations, so that templates over "T or Vec<T>" read alike.
 inline double fma(double a, double b, double c) { return std::fma(a, b, c); }
 inline double fms(double a, double b, double c) { return std::fma(a, b, -c); }
 inline double fnma(double a, double b, double c) { return std::fma(-a, b, c); }
 inline float fma(float a, float b, float c) { return std::fma(a, b, c); }
 inline float fms(float a, float b, float c) { return std::fma(a, b, -c); }
 inline float fnma(float a, float b, float c) { return std::fma(-a, b, c); }
-
-// Comparisons give lane masks (ordered: false for NaN lanes).
-inline Vec<double> operator<(Vec<double> a, Vec<double> b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_LT_OQ)}; }
-inline Vec<float> operator<(Vec<float> a, Vec<float> b) { return {_mm256_cmp_ps(a.v, b.v, _CMP_LT_OQ)}; }
-
-// Lane masks are vectors whose lanes are all ones (set) or all zeros.
-// select(m, a, b): lanes of b where m is set, else a.
-inline Vec<double> select(Vec<double> m, Vec<double> a, Vec<double> b) { return {_mm256_blendv_pd(a.v, b.v, m.v)}; }
-inline Vec<float> select(Vec<float> m, Vec<float> a, Vec<float> b) { return {_mm256_blendv_ps(a.v, b.v, m.v)}; }
-inline unsigned lane_bits(Vec<double> m) { return static_cast<unsigned>(_mm256_movemask_pd(m.v)); }
-inline unsigned lane_bits(Vec<float> m) { return static_cast<unsigned>(_mm256_movemask_ps(m.v)); }
-
-// Raw bits.
-inline __m256i bits(Vec<double> x) { return _mm256_castpd_si256(x.v); }
-inline __m256i bits(Vec<float> x) { return _mm256_castps_si256(x.v); }
-inline Vec<double> from_bits_d(__m256i b) { return {_mm256_castsi256_pd(b)}; }
-inline Vec<float> from_bits_f(__m256i b) { return {_mm256_castsi256_ps(b)}; }
-
-// The high 32-bit words of the four doubles, as four int32 lanes.
-inline __m128i high_words(Vec<double> x) {
-  const __m256 f = _mm256_castpd_ps(x.v);
-  const __m128 lo = _mm256_castps256_ps128(f), hi = _mm256_extractf128_ps(f, 1);
-  return _mm_castps_si128(_mm_shuffle_ps(lo, hi, _MM_SHUFFLE(3, 1, 3, 1)));
-}
-
-// A mask of four int32 lanes (0 or -1) widened to a mask of four doubles.
-inline Vec<double> widen_mask(__m128i m) { return from_bits_d(_mm256_cvtepi32_epi64(m)); }
-
-// Float <-> double conversion of half a float vector.
-inline Vec<double> widen_low(Vec<float> x) { return {_mm256_cvtps_pd(_mm256_castps256_ps128(x.v))}; }
-inline Vec<double> widen_high(Vec<float> x) { return {_mm256_cvtps_pd(_mm256_extractf128_ps(x.v, 1))}; }
-inline Vec<float> narrow(Vec<double> lo, Vec<double> hi) {
-  return {_mm256_set_m128(_mm256_cvtpd_ps(hi.v), _mm256_cvtpd_ps(lo.v))};
-}
+// Correctly rounded square roots of one element, NaN (invalid raised) below
+// zero, errno untouched.
+inline double sqrt(double x) { return _mm_cvtsd_f64(_mm_sqrt_sd(_mm_setzero_pd(), _mm_set_sd(x))); }
+inline float sqrt(float x) { return _mm_cvtss_f32(_mm_sqrt_ss(_mm_set_ss(x))); }
 
 }  // namespace oxa::vml::simd
 
+#include "vector_math/frame/simd_avx2.hpp"
+#if defined(__AVX512F__) && defined(__AVX512DQ__) && defined(__AVX512BW__) && defined(__AVX512VL__)
+#include "vector_math/frame/simd_avx512.hpp"
+#endif
+
 namespace oxa::vml::simd {
 
-// Table rows of four lanes, from row numbers in 64-bit lanes. They leave the
-// vector through 64-bit moves rather than through memory: a vector store
-// reloaded as scalars stalls store forwarding on some processors.
-struct Rows4 {
-  const double *p0, *p1, *p2, *p3;
-};
-
-// Rows given as four 32-bit element offsets into the table (row · length).
-inline Rows4 rows4(const double* table, __m128i offsets) {
-  const uint64_t lo = static_cast<uint64_t>(_mm_cvtsi128_si64(offsets));
-  const uint64_t hi = static_cast<uint64_t>(_mm_extract_epi64(offsets, 1));
-  return {table + static_cast<uint32_t>(lo), table + (lo >> 32), table + static_cast<uint32_t>(hi),
-          table + (hi >> 32)};
-}
-
-// Rows given as four 64-bit row numbers.
-inline Rows4 rows4(const double* table, __m256i rows, int row_length) {
-  const __m128i lo = _mm256_castsi256_si128(rows), hi = _mm256_extracti128_si256(rows, 1);
-  return {table + _mm_cvtsi128_si64(lo) * row_length, table + _mm_extract_epi64(lo, 1) * row_length,
-          table + _mm_cvtsi128_si64(hi) * row_length, table + _mm_extract_epi64(hi, 1) * row_length};
-}
-
-// Coefficients j..j+3 of the four rows as four vectors: out[c] holds
-// coefficient j+c of every lane. Reads 4 doubles from each row, so rows need
-// 3 doubles of padding after them.
-inline void gather_rows4(const Rows4& rows, int j, Vec<double> out[4]) {
-  // Two coefficients at a time: rows 0 and 2 in one vector, rows 1 and 3 in
-  // another, then one unpack each; no cross-lane permutes.
-  for (int h = 0; h < 4; h += 2) {
-    const __m256d a = _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(rows.p0 + j + h)),
-                                           _mm_loadu_pd(rows.p2 + j + h), 1);
-    const __m256d b = _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(rows.p1 + j + h)),
-                                           _mm_loadu_pd(rows.p3 + j + h), 1);
-    out[h].v = _mm256_unpacklo_pd(a, b);
-    out[h + 1].v = _mm256_unpackhi_pd(a, b);
-  }
-}
-
-// The float version: eight rows at table + offsets (in elements),
-// coefficients 0..3 of each. The offsets are taken as scalars one by one (an
-// array here gets vectorised through memory and stalls store forwarding).
-inline void gather_rows8(const float* table, __m256i offsets, Vec<float> out[4]) {
-  const __m128i lo = _mm256_castsi256_si128(offsets), hi = _mm256_extracti128_si256(offsets, 1);
-  const uint64_t q0 = static_cast<uint64_t>(_mm_cvtsi128_si64(lo));
-  const uint64_t q1 = static_cast<uint64_t>(_mm_extract_epi64(lo, 1));
-  const uint64_t q2 = static_cast<uint64_t>(_mm_cvtsi128_si64(hi));
-  const uint64_t q3 = static_cast<uint64_t>(_mm_extract_epi64(hi, 1));
-  auto pair = [table](uint64_t first, uint64_t second) {  // rows l and l + 4
-    return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(table + first)),
-                                _mm_loadu_ps(table + second), 1);
-  };
-  const __m256 a = pair(static_cast<uint32_t>(q0), static_cast<uint32_t>(q2));
-  const __m256 b = pair(q0 >> 32, q2 >> 32);
-  const __m256 c = pair(static_cast<uint32_t>(q1), static_cast<uint32_t>(q3));
-  const __m256 d = pair(q1 >> 32, q3 >> 32);
-  const __m256 t0 = _mm256_unpacklo_ps(a, b), t1 = _mm256_unpackhi_ps(a, b);
-  const __m256 t2 = _mm256_unpacklo_ps(c, d), t3 = _mm256_unpackhi_ps(c, d);
-  out[0].v = _mm256_shuffle_ps(t0, t2, _MM_SHUFFLE(1, 0, 1, 0));
-  out[1].v = _mm256_shuffle_ps(t0, t2, _MM_SHUFFLE(3, 2, 3, 2));
-  out[2].v = _mm256_shuffle_ps(t1, t3, _MM_SHUFFLE(1, 0, 1, 0));
-  out[3].v = _mm256_shuffle_ps(t1, t3, _MM_SHUFFLE(3, 2, 3, 2));
-}
+// Operations written once over the ones above.
+template <class T, class Isa>
+inline Vec<T, Isa>& operator+=(Vec<T, Isa>& a, Vec<T, Isa> b) { return a = a + b; }
+template <class T, class Isa>
+inline Vec<T, Isa>& operator-=(Vec<T, Isa>& a, Vec<T, Isa> b) { return a = a - b; }
+template <class T, class Isa>
+inline Vec<T, Isa>& operator*=(Vec<T, Isa>& a, Vec<T, Isa> b) { return a = a * b; }
+template <class T, class Isa, std::enable_if_t<std::is_floating_point_v<T>, int> = 0>
+inline Vec<T, Isa> operator-(Vec<T, Isa> a) { return a ^ Vec<T, Isa>(T(-0.0)); }
+template <class T, class Isa, std::enable_if_t<std::is_floating_point_v<T>, int> = 0>
+inline Vec<T, Isa> abs(Vec<T, Isa> a) { return and_not(a, Vec<T, Isa>(T(-0.0))); }
+template <class T, class Isa, std::enable_if_t<std::is_floating_point_v<T>, int> = 0>
+inline Vec<T, Isa> sign_bit(Vec<T, Isa> a) { return a & Vec<T, Isa>(T(-0.0)); }
+template <class T, class Isa>
+inline Mask<T, Isa> operator>(Vec<T, Isa> a, Vec<T, Isa> b) requires std::is_floating_point_v<T> { return b < a; }
+template <class T, class Isa>
+inline Mask<T, Isa> operator>=(Vec<T, Isa> a, Vec<T, Isa> b) requires std::is_floating_point_v<T> { return b <= a; }
 
 }  // namespace oxa::vml::simd

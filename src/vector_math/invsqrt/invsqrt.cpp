@@ -24,70 +24,60 @@
 
 namespace oxa::vml {
 namespace fam {
-struct InvSqrt;
+struct InvSqrt {
+  static constexpr const char* kName = "InvSqrt";
+};
 }  // namespace fam
-
-namespace {
-
-template <class T>
-using V = simd::Vec<T>;
-
-// One element outside the fast range.
-template <class T>
-int32_t invsqrt_cout_rare(const T* a, T* r) {
-  constexpr bool kDouble = std::is_same_v<T, double>;
-  const T x = *a;
-  if (x != x) {  // NaN: quiet it
-    *r = x * x;
-    return VML_ERR_NONE;
-  }
-  if (x == T(0)) {  // also a subnormal under denormals-are-zero
-    *r = opaque(T(1)) / x;
-    return VML_ERR_SINGULARITY;
-  }
-  if (x < T(0)) {
-    *r = opaque(std::numeric_limits<T>::infinity()) * opaque(T(0));
-    return VML_ERR_DOMAIN;
-  }
-  if (x == std::numeric_limits<T>::infinity()) {
-    *r = T(0);
-    return VML_ERR_NONE;
-  }
-  // Subnormal or huge: 1/sqrt(x) = 2^k / sqrt(x 2^2k), both scalings exact.
-  constexpr T kUp = kDouble ? T(0x1p200) : T(0x1p64), kUpRoot = kDouble ? T(0x1p100) : T(0x1p32);
-  constexpr T kDown = kDouble ? T(0x1p-200) : T(0x1p-64), kDownRoot = kDouble ? T(0x1p-100) : T(0x1p-32);
-  const bool small = x < T(1);
-  const T scaled = x * (small ? kUp : kDown);
-  T lanes[V<T>::kLanes];
-  simd::store(lanes, rsqrt::accurate<T>(simd::broadcast(scaled)));
-  *r = lanes[0] * (small ? kUpRoot : kDownRoot);
-  return VML_ERR_NONE;
-}
-
-}  // namespace
 
 template <class T, Acc A>
 struct Policy<fam::InvSqrt, T, A> {
   static constexpr bool kDouble = std::is_same_v<T, double>;
-  static constexpr const char* kName = kDouble ? "vdInvSqrt" : "vsInvSqrt";
-  static constexpr bool kSetsControlWord = true;
-  static constexpr T kSafeInput = T(1);
 
-  static V<T> special(V<T> x) {
+  template <class Isa>
+  static simd::Mask<T, Isa> special(simd::Vec<T, Isa> x) {
     if constexpr (A == Acc::EP)
-      return rsqrt::outside<T>(x, rsqrt::kFastLow<T>, rsqrt::kFastHigh<T>);
+      return rsqrt::outside(x, rsqrt::kFastLow<T>, rsqrt::kFastHigh<T>);
     else
-      return rsqrt::outside<T>(x, rsqrt::kAccurateLow<T>, rsqrt::kAccurateHigh<T>);
+      return rsqrt::outside(x, rsqrt::kAccurateLow<T>, rsqrt::kAccurateHigh<T>);
   }
 
-  [[gnu::always_inline]] static V<T> vector(V<T> x) {
+  template <class Isa>
+  [[gnu::always_inline]] static simd::Vec<T, Isa> vector(simd::Vec<T, Isa> x) {
     if constexpr (A == Acc::EP)
-      return rsqrt::fast<T>(x);
+      return rsqrt::fast(x);
     else
-      return rsqrt::accurate<T>(x);
+      return rsqrt::accurate(x);
   }
 
-  static int32_t scalar(const T* a, T* r) { return invsqrt_cout_rare<T>(a, r); }
+  // One element outside the fast range.
+  static int32_t scalar(const T* a, T* r) {
+    const T x = *a;
+    if (x != x) {  // NaN: quiet it
+      *r = x * x;
+      return VML_ERR_NONE;
+    }
+    if (x == T(0)) {  // also a subnormal under denormals-are-zero
+      *r = opaque(T(1)) / x;
+      return VML_ERR_SINGULARITY;
+    }
+    if (x < T(0)) {
+      *r = opaque(std::numeric_limits<T>::infinity()) * opaque(T(0));
+      return VML_ERR_DOMAIN;
+    }
+    if (x == std::numeric_limits<T>::infinity()) {
+      *r = T(0);
+      return VML_ERR_NONE;
+    }
+    // Subnormal or huge: 1/sqrt(x) = 2^k / sqrt(x 2^2k), both scalings exact.
+    constexpr T kUp = kDouble ? T(0x1p200) : T(0x1p64), kUpRoot = kDouble ? T(0x1p100) : T(0x1p32);
+    constexpr T kDown = kDouble ? T(0x1p-200) : T(0x1p-64), kDownRoot = kDouble ? T(0x1p-100) : T(0x1p-32);
+    const bool small = x < T(1);
+    const T scaled = x * (small ? kUp : kDown);
+    T lanes[simd::Vec<T>::kLanes];
+    simd::store(lanes, rsqrt::accurate(simd::broadcast(scaled)));
+    *r = lanes[0] * (small ? kUpRoot : kDownRoot);
+    return VML_ERR_NONE;
+  }
 };
 
 }  // namespace oxa::vml

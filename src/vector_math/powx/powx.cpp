@@ -24,18 +24,17 @@
 #include "vector_math/exp/exp_core.hpp"
 #include "vector_math/frame/kernel_frame.hpp"
 #include "vector_math/frame/runtime_value.hpp"
-#include "vector_math/frame/lanes.hpp"
 #include "vector_math/ln/ln_core.hpp"
 
 namespace oxa::vml {
 
 namespace fam {
-struct Powx;
+struct Powx {
+  static constexpr const char* kName = "Powx";
+};
 }  // namespace fam
 
 namespace {
-
-using VD = simd::Vec<double>;
 
 // |a|^b for positive normal doubles a (after any scaling, k_adjust added to
 // the exponent of a), with |b ln a| <= 746; returns the argument of e^ too.
@@ -52,18 +51,20 @@ struct PowCore {
   using E = expc::Exp<kExpDeg, kDouble && A != Acc::EP, kDD>;
 
   // The argument x + x_lo of e^.
+  template <class VD>
   [[gnu::always_inline]] static dd::DD<VD> argument(VD a, VD b, VD k_adjust) {
     if constexpr (kDD) {
       const dd::DD<VD> l = lnc::ln_hilo<kLnDeg, true>(a, k_adjust);
       const VD hi = b * l.hi;
       return {hi, simd::fma(b, l.lo, simd::fms(b, l.hi, hi))};
     } else {
-      return {b * lnc::ln_plain<kLnDeg>(a, k_adjust), simd::broadcast(0.0)};
+      return {b * lnc::ln_plain<kLnDeg>(a, k_adjust), VD(0.0)};
     }
   }
 
+  template <class VD>
   [[gnu::always_inline]] static VD eval(VD a, VD b) {
-    const dd::DD<VD> x = argument(a, b, simd::broadcast(0.0));
+    const dd::DD<VD> x = argument(a, b, VD(0.0));
     return E::eval(x.hi, x.lo);
   }
 };
@@ -114,7 +115,7 @@ double pow_scalar(double x, double y, int32_t* status) {
   }
   using C = PowCore<T, A>;
   double hi[4], lo[4];
-  const dd::DD<VD> arg = C::argument(simd::broadcast(ax), simd::broadcast(y), simd::broadcast(k_adjust));
+  const auto arg = C::argument(simd::broadcast(ax), simd::broadcast(y), simd::broadcast(k_adjust));
   simd::store(hi, arg.hi);
   simd::store(lo, arg.lo);
   const double mag = expc::exp_wide<typename C::E>(hi[0], lo[0], status);
@@ -123,93 +124,78 @@ double pow_scalar(double x, double y, int32_t* status) {
 
 }  // namespace
 
-// One element outside the fast range. Writes a^b, returns the status.
-template <class T, Acc A>
-int32_t powx_cout_rare(const T* a, const T* b, T* r) {
-  int32_t status;
-  const double v = pow_scalar<T, A>(static_cast<double>(*a), static_cast<double>(*b), &status);
-  if constexpr (std::is_same_v<T, double>) {
-    *r = v;
-    return status;
-  } else {
-    const float f = static_cast<float>(v);
-    *r = f;
-    if (status != VML_ERR_NONE) return status;  // the double already over- or underflowed
-    if (std::isinf(f) && std::isfinite(v)) return VML_ERR_OVERFLOW;
-    if (std::isfinite(v) && v != 0 && std::fabs(f) < std::numeric_limits<float>::min()) return VML_ERR_UNDERFLOW;
-    return VML_ERR_NONE;
-  }
-}
-
-template <Acc A>
-int32_t vdpowx_cout_rare(const double* a, const double* b, double* r) { return powx_cout_rare<double, A>(a, b, r); }
-template <Acc A>
-int32_t vspowx_cout_rare(const float* a, const float* b, float* r) { return powx_cout_rare<float, A>(a, b, r); }
-
 template <class T, Acc A>
 struct Policy<fam::Powx, T, A> {
   static constexpr bool kDouble = std::is_same_v<T, double>;
-  static constexpr const char* kName = kDouble ? "vdPowx" : "vsPowx";
-  static constexpr bool kSetsControlWord = true;
-  static constexpr T kSafeInput = T(1);
   using Core = PowCore<T, A>;
 
   // Lanes for the scalar routine: a zero, subnormal, infinite or NaN; a
   // negative with b not an integer; b infinite or NaN; or a result that may
   // leave the normal range, judged by |b| (|e| + 1) against the limit, where
   // 2^e <= |a| < 2^(e+1).
-  static simd::Vec<T> special(simd::Vec<T> a, simd::Vec<T> b) {
+  template <class Isa>
+  static simd::Mask<T, Isa> special(simd::Vec<T, Isa> a, simd::Vec<T, Isa> b) {
     if constexpr (kDouble) {
-      const __m128i hi = simd::high_words(a);
-      const __m128i abs_hi = _mm_and_si128(hi, _mm_set1_epi32(0x7FFFFFFF));
-      const __m128i bad_a = _mm_or_si128(_mm_cmpgt_epi32(_mm_set1_epi32(0x00100000), abs_hi),
-                                         _mm_cmpgt_epi32(abs_hi, _mm_set1_epi32(0x7FEFFFFF)));
-      const VD e{_mm256_cvtepi32_pd(_mm_sub_epi32(_mm_srli_epi32(abs_hi, 20), _mm_set1_epi32(1023)))};
-      return lanes::bit_or(simd::widen_mask(bad_a), common(a, b, e, 1015.0));
+      using VH = simd::Vec<int32_t, simd::Half<Isa>>;
+      const VH abs_hi = simd::high_words(a) & VH(0x7FFFFFFF);
+      const auto bad_a = (VH(0x00100000) > abs_hi) | (abs_hi > VH(0x7FEFFFFF));
+      const simd::Vec<T, Isa> e = simd::to_double(simd::shr<20>(abs_hi) - VH(1023));
+      return simd::widen(bad_a) | common(a, b, e, 1015.0);
     } else {
-      const __m256i abs_bits = _mm256_and_si256(simd::bits(a), _mm256_set1_epi32(0x7FFFFFFF));
-      const __m256i bad_a = _mm256_or_si256(_mm256_cmpgt_epi32(_mm256_set1_epi32(0x00800000), abs_bits),
-                                            _mm256_cmpgt_epi32(abs_bits, _mm256_set1_epi32(0x7F7FFFFF)));
-      const __m256 e = _mm256_cvtepi32_ps(_mm256_sub_epi32(_mm256_srli_epi32(abs_bits, 23), _mm256_set1_epi32(127)));
-      return lanes::bit_or(simd::from_bits_f(bad_a), common(a, b, simd::Vec<float>{e}, 125.0f));
+      using VI = simd::Vec<int32_t, Isa>;
+      const VI abs_bits = simd::bits(a) & VI(0x7FFFFFFF);
+      const auto bad_a = (VI(0x00800000) > abs_bits) | (abs_bits > VI(0x7F7FFFFF));
+      const simd::Vec<T, Isa> e = simd::to_float(simd::shr<23>(abs_bits) - VI(127));
+      return simd::mask_cast<float>(bad_a) | common(a, b, e, 125.0f);
     }
   }
 
-  [[gnu::always_inline]] static simd::Vec<T> vector(simd::Vec<T> a, simd::Vec<T> b) {
+  template <class Isa>
+  [[gnu::always_inline]] static simd::Vec<T, Isa> vector(simd::Vec<T, Isa> a, simd::Vec<T, Isa> b) {
     if constexpr (kDouble) {
-      return with_sign(a, b, Core::eval(abs(a), b));
+      return with_sign(a, b, Core::eval(simd::abs(a), b));
     } else {
-      const simd::Vec<T> m = abs(a);
-      const simd::Vec<T> r = simd::narrow(Core::eval(simd::widen_low(m), simd::widen_low(b)),
-                                          Core::eval(simd::widen_high(m), simd::widen_high(b)));
+      const simd::Vec<T, Isa> m = simd::abs(a);
+      const simd::Vec<T, Isa> r = simd::narrow(Core::eval(simd::widen_low(m), simd::widen_low(b)),
+                                               Core::eval(simd::widen_high(m), simd::widen_high(b)));
       return with_sign(a, b, r);
     }
   }
 
+  // One element outside the fast range.
   static int32_t scalar(const T* a, const T* b, T* r) {
-    if constexpr (kDouble)
-      return vdpowx_cout_rare<A>(a, b, r);
-    else
-      return vspowx_cout_rare<A>(a, b, r);
+    int32_t status;
+    const double v = pow_scalar<T, A>(static_cast<double>(*a), static_cast<double>(*b), &status);
+    if constexpr (kDouble) {
+      *r = v;
+      return status;
+    } else {
+      const float f = static_cast<float>(v);
+      *r = f;
+      if (status != VML_ERR_NONE) return status;  // the double already over- or underflowed
+      if (std::isinf(f) && std::isfinite(v)) return VML_ERR_OVERFLOW;
+      if (std::isfinite(v) && v != 0 && std::fabs(f) < std::numeric_limits<float>::min()) return VML_ERR_UNDERFLOW;
+      return VML_ERR_NONE;
+    }
   }
 
  private:
-  static simd::Vec<T> abs(simd::Vec<T> x) { return lanes::abs(x); }
-
   // Lanes of a negative a with b not an integer, b not finite, or
   // |b| (|e| + 1) >= limit (also when b is NaN: the compare is unordered).
-  static simd::Vec<T> common(simd::Vec<T> a, simd::Vec<T> b, simd::Vec<T> e, T limit) {
-    const simd::Vec<T> whole = lanes::eq(lanes::round_even(b), b);  // +-inf counts as whole
-    const simd::Vec<T> negative = lanes::lt(a, simd::broadcast(T(0)));
-    const simd::Vec<T> big = lanes::nlt(abs(b) * (abs(e) + simd::broadcast(T(1))), simd::broadcast(limit));
-    return lanes::bit_or(lanes::and_not(negative, whole), big);
+  template <class V>
+  static auto common(V a, V b, V e, T limit) {
+    const auto whole = simd::round_even(b) == b;  // +-inf counts as whole
+    const auto negative = a < V(T(0));
+    const auto big = simd::nlt(simd::abs(b) * (simd::abs(e) + V(T(1))), V(limit));
+    return simd::and_not(negative, whole) | big;
   }
 
   // Odd integer b: the result takes the sign of a.
-  static simd::Vec<T> with_sign(simd::Vec<T> a, simd::Vec<T> b, simd::Vec<T> r) {
-    const simd::Vec<T> half = b * simd::broadcast(T(0.5));
-    const simd::Vec<T> odd = lanes::and_not(lanes::eq(lanes::round_even(b), b), lanes::eq(lanes::round_even(half), half));
-    return lanes::bit_or(r, lanes::bit_and(odd, lanes::sign_bit(a)));
+  template <class V>
+  static V with_sign(V a, V b, V r) {
+    const V half = b * V(T(0.5));
+    const auto odd = simd::and_not(simd::round_even(b) == b, simd::round_even(half) == half);
+    return r | simd::keep_where(odd, simd::sign_bit(a));
   }
 };
 

@@ -14,18 +14,14 @@
 namespace oxa::vml {
 
 namespace fam {
-struct SinCos;
+struct SinCos {
+  static constexpr const char* kName = "SinCos";
+};
 }  // namespace fam
-
-template <class T>
-int32_t vsincos_cout_rare(const T* a, T* r1, T* r2) {
-  return trig_rare<T>(TrigOut::SinCos, a, r1, r2);
-}
 
 template <class T, Acc A>
 struct Policy<fam::SinCos, T, A> : trig::TrigPolicy<TrigOut::SinCos, T, A> {
-  static constexpr const char* kName = std::is_same_v<T, double> ? "vdSinCos" : "vsSinCos";
-  static int32_t scalar(const T* a, T* r1, T* r2) { return vsincos_cout_rare<T>(a, r1, r2); }
+  static int32_t scalar(const T* a, T* r1, T* r2) { return trig_rare<T>(TrigOut::SinCos, a, r1, r2); }
 };
 
 }  // namespace oxa::vml

@@ -10,8 +10,6 @@
 //   a outside [2^-126, 2^126) in the scalar routine, with the correctly
 //   rounded root.
 //   Denormal inputs count as zero when the mode flushes denormals.
-#include <immintrin.h>
-
 #include <cstdint>
 #include <type_traits>
 
@@ -20,62 +18,38 @@
 
 namespace oxa::vml {
 namespace fam {
-struct Sqrt;
+struct Sqrt {
+  static constexpr const char* kName = "Sqrt";
+};
 }  // namespace fam
-
-namespace {
-
-template <class T>
-using V = simd::Vec<T>;
-
-inline V<double> hw_sqrt(V<double> x) { return {_mm256_sqrt_pd(x.v)}; }
-inline V<float> hw_sqrt(V<float> x) { return {_mm256_sqrt_ps(x.v)}; }
-
-// One element outside the fast path: the correctly rounded root, which is
-// NaN (invalid raised) for x < 0.
-template <class T>
-int32_t sqrt_cout_rare(const T* a, T* r) {
-  const T x = *a;
-  T root;
-  if constexpr (std::is_same_v<T, double>)
-    root = _mm_cvtsd_f64(_mm_sqrt_sd(_mm_setzero_pd(), _mm_set_sd(x)));
-  else
-    root = _mm_cvtss_f32(_mm_sqrt_ss(_mm_set_ss(x)));
-  *r = root;
-  return x < T(0) ? VML_ERR_DOMAIN : VML_ERR_NONE;
-}
-
-}  // namespace
 
 template <class T, Acc A>
 struct Policy<fam::Sqrt, T, A> {
-  static constexpr bool kDouble = std::is_same_v<T, double>;
-  static constexpr const char* kName = kDouble ? "vdSqrt" : "vsSqrt";
-  static constexpr bool kSetsControlWord = true;
-  static constexpr T kSafeInput = T(1);
-
   // HA, LA: only negative numbers (an ordered compare: -0 and NaN pass).
   // EP: everything but the positive normal numbers of the float range
   // (double: also those at or above 2^126, for the residual's sake).
-  static V<T> special(V<T> x) {
-    if constexpr (A != Acc::EP) {
-      if constexpr (kDouble)
-        return {_mm256_cmp_pd(x.v, _mm256_setzero_pd(), _CMP_LT_OQ)};
-      else
-        return {_mm256_cmp_ps(x.v, _mm256_setzero_ps(), _CMP_LT_OQ)};
-    } else {
-      return rsqrt::outside<T>(x, rsqrt::kFastLow<T>, kDouble ? rsqrt::kFastHigh<T> : 0x7F800000u);
-    }
-  }
-
-  [[gnu::always_inline]] static V<T> vector(V<T> x) {
+  template <class Isa>
+  static simd::Mask<T, Isa> special(simd::Vec<T, Isa> x) {
     if constexpr (A != Acc::EP)
-      return hw_sqrt(x);
+      return x < simd::Vec<T, Isa>(T(0));
     else
-      return rsqrt::fast<T, true>(x);
+      return rsqrt::outside(x, rsqrt::kFastLow<T>, sizeof(T) == 8 ? rsqrt::kFastHigh<T> : 0x7F800000u);
   }
 
-  static int32_t scalar(const T* a, T* r) { return sqrt_cout_rare<T>(a, r); }
+  template <class Isa>
+  [[gnu::always_inline]] static simd::Vec<T, Isa> vector(simd::Vec<T, Isa> x) {
+    if constexpr (A != Acc::EP)
+      return simd::sqrt(x);
+    else
+      return rsqrt::fast<true>(x);
+  }
+
+  // One element outside the fast path: the correctly rounded root, which is
+  // NaN (invalid raised) for x < 0.
+  static int32_t scalar(const T* a, T* r) {
+    *r = simd::sqrt(*a);
+    return *a < T(0) ? VML_ERR_DOMAIN : VML_ERR_NONE;
+  }
 };
 
 }  // namespace oxa::vml

@@ -7,9 +7,8 @@
 //   EP 2^-17 rel (measured by tests/vector_math/trig_accuracy).
 // Special: +-inf -> NaN, status 1; NaN -> NaN quietly; |a| < 2^-27 (s: 2^-12)
 //   -> a, signed zeros kept; |a| >= 2^30 reduced exactly (trig/reduce_pio2d.cpp)
-//   and evaluated as HA in every level. The scalar routines
-//   oxa_vml_kernel_<t>Tan_SC_<level> settle those lanes; the kernels report
-//   under the names "dTan_HA", "dTan_LA", "dTan_A11" (EP) and the s ones.
+//   and evaluated as HA in every level. The kernels report under the names
+//   "dTan_HA", "dTan_LA", "dTan_A11" (EP) and the s ones.
 // Tables: trig/trig_tables.inc, made by tools/fit/trig.py.
 #include "vector_math/frame/kernel_frame.hpp"
 #include "vector_math/trig/trig_core.hpp"
@@ -20,38 +19,15 @@ namespace fam {
 struct Tan;
 }  // namespace fam
 
-}  // namespace oxa::vml
-
-// The scalar tangent of one element at full accuracy, and its per-level
-// entries (the levels differ only in the name they report under).
-extern "C" int32_t oxa_vml_kernel_dTan_SC(const double* a, double* r) {
-  return oxa::vml::trig_rare<double>(oxa::vml::TrigOut::Tan, a, r, r);
-}
-extern "C" int32_t oxa_vml_kernel_dTan_SC_HA(const double* a, double* r) { return oxa_vml_kernel_dTan_SC(a, r); }
-extern "C" int32_t oxa_vml_kernel_dTan_SC_LA(const double* a, double* r) { return oxa_vml_kernel_dTan_SC(a, r); }
-extern "C" int32_t oxa_vml_kernel_dTan_SC_A11(const double* a, double* r) { return oxa_vml_kernel_dTan_SC(a, r); }
-extern "C" int32_t oxa_vml_kernel_sTan_SC_HA(const float* a, float* r) {
-  return oxa::vml::trig_rare<float>(oxa::vml::TrigOut::Tan, a, r, r);
-}
-extern "C" int32_t oxa_vml_kernel_sTan_SC_LA(const float* a, float* r) { return oxa_vml_kernel_sTan_SC_HA(a, r); }
-extern "C" int32_t oxa_vml_kernel_sTan_SC_A11(const float* a, float* r) { return oxa_vml_kernel_sTan_SC_HA(a, r); }
-
-namespace oxa::vml {
+template <class T, Acc A>
+inline constexpr const char* kErrorName<fam::Tan, T, A> =
+    A == Acc::HA ? (std::is_same_v<T, double> ? "dTan_HA" : "sTan_HA")
+    : A == Acc::LA ? (std::is_same_v<T, double> ? "dTan_LA" : "sTan_LA")
+                   : (std::is_same_v<T, double> ? "dTan_A11" : "sTan_A11");
 
 template <class T, Acc A>
 struct Policy<fam::Tan, T, A> : trig::TrigPolicy<TrigOut::Tan, T, A> {
-  static constexpr bool kDouble = std::is_same_v<T, double>;
-  static constexpr const char* kName = A == Acc::HA ? (kDouble ? "dTan_HA" : "sTan_HA")
-                                       : A == Acc::LA ? (kDouble ? "dTan_LA" : "sTan_LA")
-                                                      : (kDouble ? "dTan_A11" : "sTan_A11");
-  static int32_t scalar(const T* a, T* r) {
-    if constexpr (kDouble)
-      return A == Acc::HA ? oxa_vml_kernel_dTan_SC_HA(a, r)
-             : A == Acc::LA ? oxa_vml_kernel_dTan_SC_LA(a, r) : oxa_vml_kernel_dTan_SC_A11(a, r);
-    else
-      return A == Acc::HA ? oxa_vml_kernel_sTan_SC_HA(a, r)
-             : A == Acc::LA ? oxa_vml_kernel_sTan_SC_LA(a, r) : oxa_vml_kernel_sTan_SC_A11(a, r);
-  }
+  static int32_t scalar(const T* a, T* r) { return trig_rare<T>(TrigOut::Tan, a, r, r); }
 };
 
 }  // namespace oxa::vml
