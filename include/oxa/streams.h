@@ -237,6 +237,19 @@ int32_t _vslsBRngMT19937(StreamState* stream, int32_t n, float r[], float a, flo
 int32_t _vsldBRngMT19937(StreamState* stream, int32_t n, double r[], double a, double b);
 int32_t _vsliBRngMT19937(StreamState* stream, int32_t n, uint32_t r[]);
 
+/* SFMT19937: the SIMD-oriented fast Mersenne twister with the 19937-bit
+ * parameters. Seeding from n words: n = 1 is the one-word initialisation
+ * (the word itself), any other n >= 2 the array initialisation over all n
+ * words, n <= 0 the one word 1; both are followed by the period
+ * certification. Words are the state's 32-bit words in order after each
+ * regeneration; reals are a + (b - a) u 2^-32 on [a, b). Leapfrog -1002;
+ * skip-ahead by counts up to 2^30 words (larger counts: -1003). */
+int32_t _vslBRngSFMT19937InitStream(int32_t method, StreamState* stream, int32_t n,
+                                    const uint32_t params[]);
+int32_t _vslsBRngSFMT19937(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngSFMT19937(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngSFMT19937(StreamState* stream, int32_t n, uint32_t r[]);
+
 int32_t _vslBRngPHILOX4X32X10InitStream(int32_t method, StreamState* stream, int32_t n,
                                         const uint32_t params[]);
 int32_t _vslsBRngPHILOX4X32X10(StreamState* stream, int32_t n, float r[], float a, float b);

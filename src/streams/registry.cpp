@@ -27,7 +27,7 @@ const BuiltinRow kBuiltin[kBuiltinRows] = {
     {48, 0, 1, 4, 32, 1, &kNoEntryPoints},             // iAbstract
     {64, 0, 1, 4, 32, 1, &kNoEntryPoints},             // dAbstract
     {56, 0, 1, 4, 32, 1, &kNoEntryPoints},             // sAbstract
-    {2536, 625, 1, 4, 32, 1, &kNoEntryPoints},         // SFMT19937
+    {2536, 625, 1, 4, 32, 1, &kBrngEntrySFMT19937},    // SFMT19937
     {24, 1, 1, 4, 32, 1, &kBrngEntryTRNG},             // NONDETERM (hardware)
     {72, 8, 1, 4, 32, 1, &kBrngEntryARS5},             // ARS5
     {64, 8, 1, 4, 32, 1, &kBrngEntryPHILOX4X32X10},    // PHILOX4X32X10

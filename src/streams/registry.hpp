@@ -32,6 +32,7 @@ extern const BrngEntryPoints kBrngEntryWH;
 extern const BrngEntryPoints kBrngEntrySOBOL;
 extern const BrngEntryPoints kBrngEntryNIEDERR;
 extern const BrngEntryPoints kBrngEntryMT19937;
+extern const BrngEntryPoints kBrngEntrySFMT19937;
 extern const BrngEntryPoints kBrngEntryTRNG;
 extern const BrngEntryPoints kBrngEntryARS5;
 extern const BrngEntryPoints kBrngEntryPHILOX4X32X10;
