@@ -8,9 +8,9 @@
 // Seeding:   one word: w[i] = 1812433253 (w[i-1] ^ w[i-1] >> 30) + i; an
 //            array: the published mixing over a 0x8b8b8b8b-filled state. Both
 //            end with the period certification by the parity vector.
-// Reals:     a + (b - a) 2^-32 u on [a, b), the unsigned word scaling; more
-//            than 624 values are generated as words into the upper half of
-//            the caller's array and converted in place.
+// Words:     whole blocks are regenerated straight into the caller's array.
+// Reals:     a + (b - a) 2^-32 u on [a, b), the unsigned word scaling, from
+//            the state block by block.
 // Skip-ahead: by stepping whole blocks, for counts up to 2^30 words; larger
 //            counts are refused (-1003). Leapfrog: -1002.
 #include "streams/sfmt19937.hpp"
@@ -39,12 +39,16 @@ inline void store(uint32_t* w, int lane, __m128i v) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(w + 4 * lane), v);
 }
 
+// The part without r2 is formed first and pinned (the empty asm), so the
+// compiler cannot reassociate r2 deeper into the sum: the step-to-step
+// dependency stays one shift and one XOR.
 inline __m128i recursion(__m128i a, __m128i b, __m128i r1, __m128i r2, __m128i mask) {
   const __m128i x = _mm_slli_si128(a, 1);
   const __m128i y = _mm_and_si128(_mm_srli_epi32(b, 11), mask);
   const __m128i z = _mm_srli_si128(r1, 1);
-  const __m128i v = _mm_slli_epi32(r2, 18);
-  return _mm_xor_si128(_mm_xor_si128(_mm_xor_si128(a, x), _mm_xor_si128(y, z)), v);
+  __m128i t = _mm_xor_si128(_mm_xor_si128(a, x), _mm_xor_si128(y, z));
+  asm("" : "+x"(t));
+  return _mm_xor_si128(t, _mm_slli_epi32(r2, 18));
 }
 
 void certify_period(uint32_t w[kSfmtWords]) {
@@ -108,36 +112,55 @@ void sfmt19937_seed(Sfmt19937State& s, int32_t n, const uint32_t seed[]) {
   std::memset(s.spare, 0, sizeof s.spare);
 }
 
-void sfmt19937_regenerate(uint32_t w[kSfmtWords]) {
+namespace {
+
+// dst <- the block after src (dst may equal src). Lanes below 34 read src
+// 122 lanes on, the rest read dst 34 lanes back, already new.
+inline void regenerate_from(const uint32_t* src, uint32_t* dst) {
   const __m128i mask = _mm_loadu_si128(reinterpret_cast<const __m128i*>(kMask));
-  __m128i r1 = load(w, kSfmtLanes - 2), r2 = load(w, kSfmtLanes - 1);
+  __m128i r1 = load(src, kSfmtLanes - 2), r2 = load(src, kSfmtLanes - 1);
   int i = 0;
+#pragma GCC unroll 2
   for (; i < kSfmtLanes - kSfmtPos1; ++i) {
-    const __m128i v = recursion(load(w, i), load(w, i + kSfmtPos1), r1, r2, mask);
-    store(w, i, v);
+    const __m128i v = recursion(load(src, i), load(src, i + kSfmtPos1), r1, r2, mask);
+    store(dst, i, v);
     r1 = r2;
     r2 = v;
   }
+#pragma GCC unroll 2
   for (; i < kSfmtLanes; ++i) {
-    const __m128i v = recursion(load(w, i), load(w, i + kSfmtPos1 - kSfmtLanes), r1, r2, mask);
-    store(w, i, v);
+    const __m128i v = recursion(load(src, i), load(dst, i + kSfmtPos1 - kSfmtLanes), r1, r2, mask);
+    store(dst, i, v);
     r1 = r2;
     r2 = v;
   }
 }
 
+}  // namespace
+
+void sfmt19937_regenerate(uint32_t w[kSfmtWords]) { regenerate_from(w, w); }
+
 void sfmt19937_words(Sfmt19937State& s, std::size_t n, uint32_t* out) {
-  while (n > 0) {
-    // Any pos outside 0..623 (a loaded image may hold one) means "used up".
-    if (static_cast<uint32_t>(s.pos) >= kSfmtWords) {
-      sfmt19937_regenerate(s.w);
-      s.pos = 0;
+  // Any pos outside 0..623 (a loaded image may hold one) means "used up".
+  if (static_cast<uint32_t>(s.pos) > kSfmtWords) s.pos = kSfmtWords;
+  std::size_t m = std::min<std::size_t>(n, std::size_t(kSfmtWords - s.pos));
+  std::memcpy(out, s.w + s.pos, m * sizeof(uint32_t));
+  s.pos += static_cast<int32_t>(m);
+  out += m;
+  n -= m;
+  if (n >= kSfmtWords) {
+    // Whole blocks go straight to the output, each from the one before it;
+    // the last becomes the state.
+    regenerate_from(s.w, out);
+    for (n -= kSfmtWords, out += kSfmtWords; n >= kSfmtWords; n -= kSfmtWords, out += kSfmtWords) {
+      regenerate_from(out - kSfmtWords, out);
     }
-    const std::size_t m = std::min<std::size_t>(n, std::size_t(kSfmtWords - s.pos));
-    std::memcpy(out, s.w + s.pos, m * sizeof(uint32_t));
-    s.pos += static_cast<int32_t>(m);
-    out += m;
-    n -= m;
+    std::memcpy(s.w, out - kSfmtWords, sizeof s.w);
+  }
+  if (n > 0) {
+    sfmt19937_regenerate(s.w);
+    std::memcpy(out, s.w, n * sizeof(uint32_t));
+    s.pos = static_cast<int32_t>(n);
   }
 }
 
@@ -158,21 +181,23 @@ int32_t skip(Sfmt19937State& s, uint64_t n) {
   return VSL_STATUS_OK;
 }
 
+// Reals straight from the state block by block, one pass over the output.
 template <class T>
 void reals(StreamState* stream, int32_t n, T r[], T a, T b) {
-  if (n <= 0) return;
   Sfmt19937State& s = *generator_state<Sfmt19937State>(stream);
-  const std::size_t count = static_cast<std::size_t>(n);
-  if (count <= kSfmtWords) {
-    uint32_t words[kSfmtWords];
-    sfmt19937_words(s, count, words);
-    scale_words<WordMapping::kUnsigned>(words, r, count, a, b);
-    return;
+  if (static_cast<uint32_t>(s.pos) > kSfmtWords) s.pos = kSfmtWords;
+  std::size_t left = n > 0 ? static_cast<std::size_t>(n) : 0;
+  while (left > 0) {
+    if (s.pos == kSfmtWords) {
+      sfmt19937_regenerate(s.w);
+      s.pos = 0;
+    }
+    const std::size_t m = std::min<std::size_t>(left, std::size_t(kSfmtWords - s.pos));
+    scale_words<WordMapping::kUnsigned>(s.w + s.pos, r, m, a, b);
+    s.pos += static_cast<int32_t>(m);
+    r += m;
+    left -= m;
   }
-  auto* words = reinterpret_cast<uint32_t*>(reinterpret_cast<unsigned char*>(r) +
-                                            count * (sizeof(T) - sizeof(uint32_t)));
-  sfmt19937_words(s, count, words);
-  scale_words<WordMapping::kUnsigned>(words, r, count, a, b);
 }
 
 }  // namespace
