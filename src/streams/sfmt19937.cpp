@@ -3,8 +3,8 @@
 //   w[i] <- a ^ (a <<128 8) ^ ((b >>32 11) & MSK) ^ (r1 >>128 8) ^ (r2 <<32 18)
 //   with a = w[i], b = w[i + 122] (wrapping into the new block), <<128 and
 //   >>128 shifts of the whole 128-bit word, <<32 >>32 of each 32-bit lane.
-//   Each word needs the previous one, so one SSE register per step is the
-//   native width; a block costs 156 steps of eight vector operations.
+//   Each word needs the previous one: the parts without r1 and r2 are formed
+//   two lanes per AVX2 operation, the rest is a chain of SSE steps.
 // Seeding:   one word: w[i] = 1812433253 (w[i-1] ^ w[i-1] >> 30) + i; an
 //            array: the published mixing over a 0x8b8b8b8b-filled state. Both
 //            end with the period certification by the parity vector.
@@ -37,18 +37,6 @@ inline __m128i load(const uint32_t* w, int lane) {
 }
 inline void store(uint32_t* w, int lane, __m128i v) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(w + 4 * lane), v);
-}
-
-// The part without r2 is formed first and pinned (the empty asm), so the
-// compiler cannot reassociate r2 deeper into the sum: the step-to-step
-// dependency stays one shift and one XOR.
-inline __m128i recursion(__m128i a, __m128i b, __m128i r1, __m128i r2, __m128i mask) {
-  const __m128i x = _mm_slli_si128(a, 1);
-  const __m128i y = _mm_and_si128(_mm_srli_epi32(b, 11), mask);
-  const __m128i z = _mm_srli_si128(r1, 1);
-  __m128i t = _mm_xor_si128(_mm_xor_si128(a, x), _mm_xor_si128(y, z));
-  asm("" : "+x"(t));
-  return _mm_xor_si128(t, _mm_slli_epi32(r2, 18));
 }
 
 void certify_period(uint32_t w[kSfmtWords]) {
@@ -114,25 +102,37 @@ void sfmt19937_seed(Sfmt19937State& s, int32_t n, const uint32_t seed[]) {
 
 namespace {
 
-// dst <- the block after src (dst may equal src). Lanes below 34 read src
-// 122 lanes on, the rest read dst 34 lanes back, already new.
+// dst <- the block after src (dst may equal src). Lane i reads b = src[i +
+// 122] below lane 34 and b = dst[i - 34] (already new) from there on, so the
+// block goes in runs of at most 34 lanes: first the part of each step that
+// does not involve r1 and r2, t = a ^ (a <<128 8) ^ ((b >>32 11) & MSK), two
+// lanes per AVX2 operation; then the serial chain v = t ^ (r1 >>128 8) ^
+// (r2 <<32 18), one lane per step.
 inline void regenerate_from(const uint32_t* src, uint32_t* dst) {
-  const __m128i mask = _mm_loadu_si128(reinterpret_cast<const __m128i*>(kMask));
+  constexpr int kRun = kSfmtLanes - kSfmtPos1;  // 34
+  const __m256i mask = _mm256_broadcastsi128_si256(
+      _mm_loadu_si128(reinterpret_cast<const __m128i*>(kMask)));
+  alignas(32) uint32_t t[4 * kRun];
   __m128i r1 = load(src, kSfmtLanes - 2), r2 = load(src, kSfmtLanes - 1);
-  int i = 0;
-#pragma GCC unroll 2
-  for (; i < kSfmtLanes - kSfmtPos1; ++i) {
-    const __m128i v = recursion(load(src, i), load(src, i + kSfmtPos1), r1, r2, mask);
-    store(dst, i, v);
-    r1 = r2;
-    r2 = v;
-  }
-#pragma GCC unroll 2
-  for (; i < kSfmtLanes; ++i) {
-    const __m128i v = recursion(load(src, i), load(dst, i + kSfmtPos1 - kSfmtLanes), r1, r2, mask);
-    store(dst, i, v);
-    r1 = r2;
-    r2 = v;
+  for (int first = 0; first < kSfmtLanes; first += kRun) {
+    const int lanes = std::min(kRun, kSfmtLanes - first);
+    const uint32_t* b = first == 0 ? src + 4 * kSfmtPos1 : dst + 4 * (first - kRun);
+    const uint32_t* a = src + 4 * first;
+    for (int j = 0; j < lanes; j += 2) {  // lanes is even: 34 or 20
+      const __m256i va = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(a + 4 * j));
+      const __m256i vb = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(b + 4 * j));
+      const __m256i y = _mm256_and_si256(_mm256_srli_epi32(vb, 11), mask);
+      _mm256_store_si256(reinterpret_cast<__m256i*>(t + 4 * j),
+                         _mm256_xor_si256(_mm256_xor_si256(va, _mm256_slli_si256(va, 1)), y));
+    }
+    for (int j = 0; j < lanes; ++j) {
+      __m128i u = _mm_xor_si128(load(t, j), _mm_srli_si128(r1, 1));
+      asm("" : "+x"(u));  // keeps r2 last: one shift and one XOR per step
+      const __m128i v = _mm_xor_si128(u, _mm_slli_epi32(r2, 18));
+      store(dst, first + j, v);
+      r1 = r2;
+      r2 = v;
+    }
   }
 }
 
