@@ -43,6 +43,12 @@ enum {
   VSL_RNG_ERROR_TRNG_FAILED = -1131
 };
 
+/* Status codes of the abstract generators. */
+enum {
+  VSL_RNG_ERROR_ABSTRACT_CALLBACK = -1120, /* the call-back refilled nothing, or too much */
+  VSL_RNG_ERROR_ABSTRACT_NO_SAVE = -1121   /* an abstract stream cannot be saved */
+};
+
 /* Basic generator ids (registry form). WH set s is OXA_BRNG_WH + s (s < 273),
  * MT2203 set s is OXA_BRNG_MT2203 + s (s < 6024). Legacy ids 0..278 name the
  * first rows directly (0 MCG31M1, 1 R250, 2 MRG32K3A, 3 MCG59, 4..276 WH sets
@@ -236,6 +242,66 @@ int32_t _vslBRngMT19937InitStream(int32_t method, StreamState* stream, int32_t n
 int32_t _vslsBRngMT19937(StreamState* stream, int32_t n, float r[], float a, float b);
 int32_t _vsldBRngMT19937(StreamState* stream, int32_t n, double r[], double a, double b);
 int32_t _vsliBRngMT19937(StreamState* stream, int32_t n, uint32_t r[]);
+
+/* SFMT19937: the SIMD-oriented fast Mersenne twister with the 19937-bit
+ * parameters. Seeding from n words: n = 1 is the one-word initialisation
+ * (the word itself), any other n >= 2 the array initialisation over all n
+ * words, n <= 0 the one word 1; both are followed by the period
+ * certification. Words are the state's 32-bit words in order after each
+ * regeneration; reals are a + (b - a) u 2^-32 on [a, b). Leapfrog -1002;
+ * skip-ahead by counts up to 2^30 words (larger counts: -1003). */
+int32_t _vslBRngSFMT19937InitStream(int32_t method, StreamState* stream, int32_t n,
+                                    const uint32_t params[]);
+int32_t _vslsBRngSFMT19937(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngSFMT19937(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngSFMT19937(StreamState* stream, int32_t n, uint32_t r[]);
+
+/* Abstract generators: a stream over a caller-owned buffer of n values and a
+ * call-back that refills it; the caller keeps both alive while the stream (or
+ * a copy of it) is used. iAbstract holds 32-bit words, dAbstract doubles and
+ * sAbstract floats, the reals in [0, 1).
+ * Creation: only with the constructors below (_vslNewStreamEx refuses these
+ * ids); n <= 0, a null buffer or a null call-back give VSL_ERROR_BAD_ARGUMENT.
+ * The buffer is taken as full: generation hands out buffer[0], buffer[1], ...
+ * Call-back: int32_t callback(stream, buffer, length, index) is called when
+ * the values refilled last are used up; it writes k new values at
+ * buffer[index .. index + k) and returns k. index is where the previous
+ * refill ended, or 0 once the whole buffer has been used. A return of k <= 0
+ * or k > length - index stops the generation call with
+ * VSL_RNG_ERROR_ABSTRACT_CALLBACK: the values before the stop are written and
+ * the next generation call asks the call-back again.
+ * Values: words u give reals a + (b - a) u 2^-32; buffer reals u give
+ * a + (b - a) u (computed in double) and words floor(2^32 u), clamped to
+ * 0 .. 2^32 - 1. Leapfrog -1002, skip-ahead -1003, saving
+ * VSL_RNG_ERROR_ABSTRACT_NO_SAVE; loading an image of such an id gives
+ * VSL_RNG_ERROR_BAD_IMAGE. */
+typedef int32_t (*oxa_iabstract_callback)(StreamState* stream, uint32_t buffer[], int32_t length,
+                                          int32_t index);
+typedef int32_t (*oxa_dabstract_callback)(StreamState* stream, double buffer[], int32_t length,
+                                          int32_t index);
+typedef int32_t (*oxa_sabstract_callback)(StreamState* stream, float buffer[], int32_t length,
+                                          int32_t index);
+int32_t _vsliNewAbstractStream(StreamState** handle, int32_t n, uint32_t ibuf[],
+                               oxa_iabstract_callback callback);
+int32_t _vsldNewAbstractStream(StreamState** handle, int32_t n, double dbuf[],
+                               oxa_dabstract_callback callback);
+int32_t _vslsNewAbstractStream(StreamState** handle, int32_t n, float sbuf[],
+                               oxa_sabstract_callback callback);
+int32_t _vslBRngiAbstractInitStream(int32_t method, StreamState* stream, int32_t n,
+                                    const uint32_t params[]);
+int32_t _vslsBRngiAbstract(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngiAbstract(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngiAbstract(StreamState* stream, int32_t n, uint32_t r[]);
+int32_t _vslBRngdAbstractInitStream(int32_t method, StreamState* stream, int32_t n,
+                                    const uint32_t params[]);
+int32_t _vslsBRngdAbstract(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngdAbstract(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngdAbstract(StreamState* stream, int32_t n, uint32_t r[]);
+int32_t _vslBRngsAbstractInitStream(int32_t method, StreamState* stream, int32_t n,
+                                    const uint32_t params[]);
+int32_t _vslsBRngsAbstract(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngsAbstract(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngsAbstract(StreamState* stream, int32_t n, uint32_t r[]);
 
 int32_t _vslBRngPHILOX4X32X10InitStream(int32_t method, StreamState* stream, int32_t n,
                                         const uint32_t params[]);

@@ -24,10 +24,10 @@ const BuiltinRow kBuiltin[kBuiltinRows] = {
     {84288, 10498, 0, 4, 32, 1, &kBrngEntryNIEDERR},   // NIEDERR
     {2520, 625, 1, 4, 32, 1, &kBrngEntryMT19937},      // MT19937
     {312, 70, 1, 4, 32, kMt2203Sets, &kNoEntryPoints}, // MT2203, 6024 parameter sets
-    {48, 0, 1, 4, 32, 1, &kNoEntryPoints},             // iAbstract
-    {64, 0, 1, 4, 32, 1, &kNoEntryPoints},             // dAbstract
-    {56, 0, 1, 4, 32, 1, &kNoEntryPoints},             // sAbstract
-    {2536, 625, 1, 4, 32, 1, &kNoEntryPoints},         // SFMT19937
+    {48, 0, 1, 4, 32, 1, &kBrngEntryIABSTRACT},        // iAbstract
+    {64, 0, 1, 4, 32, 1, &kBrngEntryDABSTRACT},        // dAbstract
+    {56, 0, 1, 4, 32, 1, &kBrngEntrySABSTRACT},        // sAbstract
+    {2536, 625, 1, 4, 32, 1, &kBrngEntrySFMT19937},    // SFMT19937
     {24, 1, 1, 4, 32, 1, &kBrngEntryTRNG},             // NONDETERM (hardware)
     {72, 8, 1, 4, 32, 1, &kBrngEntryARS5},             // ARS5
     {64, 8, 1, 4, 32, 1, &kBrngEntryPHILOX4X32X10},    // PHILOX4X32X10

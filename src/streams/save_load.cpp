@@ -247,7 +247,7 @@ int32_t load_image(Channel* c, StreamState** handle) {
   const int32_t id = h.brng();
   const BrngRef ref = decode_brng(id);
   const std::size_t state_bytes = is_usable(ref) ? state_area_bytes(ref.props().StateBytes) : 0;
-  if (!is_usable(ref) || h.state_size() != uint16_t(state_bytes) ||
+  if (!is_usable(ref) || is_abstract(ref) || h.state_size() != uint16_t(state_bytes) ||
       ref.props().StateBytes < int32_t(sizeof(StreamState)) || h.header_size() < kHeaderBytes) {
     return VSL_RNG_ERROR_BAD_IMAGE;
   }
@@ -272,6 +272,7 @@ int32_t load_image(Channel* c, StreamState** handle) {
 extern "C" {
 
 int32_t _vslSaveStreamF(const StreamState* stream, const char* name, int32_t length) {
+  if (is_abstract(decode_brng(stream->brng))) return VSL_RNG_ERROR_ABSTRACT_NO_SAVE;
   FileName file;
   if (int32_t s = file.prepare(name, length); s < 0) return s;
   Channel c{kFile, std::fopen(file.str, "wb"), nullptr, 0, 0};
@@ -282,6 +283,7 @@ int32_t _vslSaveStreamF(const StreamState* stream, const char* name, int32_t len
 }
 
 int32_t _vslSaveStreamM(const StreamState* stream, char* memory) {
+  if (is_abstract(decode_brng(stream->brng))) return VSL_RNG_ERROR_ABSTRACT_NO_SAVE;
   Channel c{kMemory, nullptr, reinterpret_cast<unsigned char*>(memory), 0, 0};
   return save_image(&c, stream);
 }

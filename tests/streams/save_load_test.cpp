@@ -85,12 +85,14 @@ int32_t load_file(StreamState** s, const std::string& path) {
   return _vslLoadStreamF(s, path.c_str(), -1);
 }
 
-// Every registered generator whose entry points exist, seeded.
+// Every registered generator whose entry points exist, seeded (the abstract
+// rows are never saved: tested with their own streams).
 std::vector<int32_t> generators() {
   std::vector<int32_t> ids;
   for (int32_t r = 0; r < _vslGetNumRegBrngs(); ++r) {
     const int32_t id = (r + 1) << 20;
-    if (oxa::streams::is_usable(oxa::streams::decode_brng(id))) ids.push_back(id);
+    const oxa::streams::BrngRef ref = oxa::streams::decode_brng(id);
+    if (oxa::streams::is_usable(ref) && !oxa::streams::is_abstract(ref)) ids.push_back(id);
   }
   return ids;
 }

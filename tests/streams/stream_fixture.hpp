@@ -45,6 +45,9 @@ inline const Generator kGenerators[] = {
     {"MCG59", OXA_BRNG_MCG59, 2, true, true},
     {"WH", OXA_BRNG_WH, 4, true, true},
     {"WH set 137", OXA_BRNG_WH + 137, 4, true, true},
+    {"MT19937", OXA_BRNG_MT19937, 1, false, true},
+    // Skips only by stepping (bounded counts): tested on its own.
+    {"SFMT19937", OXA_BRNG_SFMT19937, 1, false, false},
     // Leapfrog only to one component and no zero-length skip: tested on their own.
     {"SOBOL", OXA_BRNG_SOBOL, 1, false, false, 3},
     {"NIEDERR", OXA_BRNG_NIEDERR, 1, false, false, 5},
