@@ -7,10 +7,10 @@ set -euo pipefail
 packages=(
   build-essential g++ cmake ninja-build pkg-config binutils
   libgtest-dev libgmock-dev libbenchmark-dev
-  libmpfr-dev libgmp-dev
-  libopenblas-dev
+  libmpfr-dev libgmp-dev libmpc-dev
+  libopenblas-serial-dev
   clang libclang-rt-14-dev
-  python3 python3-mpmath
+  python3 python3-mpmath python3-scipy
   librandom123-dev libsleef-dev libeigen3-dev libgsl-dev libboost-dev
 )
 

@@ -114,11 +114,12 @@ void BM_OxaExponential(benchmark::State& state) {
 }
 BENCHMARK(BM_OxaExponential)->Unit(benchmark::kMillisecond);
 
-// Dimension 10, full factor: the same 1,048,576 values as vectors, to set
-// beside BM_OxaGaussian with the same method.
+// Full factor, arguments (method, dimension): the same 1,048,576 values as
+// vectors, to set beside BM_OxaGaussian with the same method; dimensions 100
+// and 1000 weigh the triangular product.
 void BM_OxaGaussianMV(benchmark::State& state) {
-  constexpr int32_t d = 10;
-  constexpr int32_t vectors = kCount / d;
+  const auto d = static_cast<int32_t>(state.range(1));
+  const int32_t vectors = kCount / d;
   OxaStream s;
   std::vector<double> r(static_cast<size_t>(vectors) * d), mean(d, 1.0), factor(d * d, 0.0);
   for (int i = 0; i < d; ++i)
@@ -131,6 +132,8 @@ void BM_OxaGaussianMV(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * vectors * d);
 }
-BENCHMARK(BM_OxaGaussianMV)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_OxaGaussianMV)
+    ->Args({1, 10})->Args({2, 10})->Args({2, 100})->Args({2, 1000})
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

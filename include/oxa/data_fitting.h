@@ -35,6 +35,10 @@ enum {
   DF_ERR_PERIODIC_VALUES = -1018,
   DF_ERR_BAD_PARAM_ID = -1019,
   DF_ERR_BAD_INDEX = -1020,
+  DF_ERR_BAD_NSITE = -1021,      /* negative number of sites or of integration limits */
+  DF_ERR_BAD_SITE = -1022,       /* null sites or limits with a positive count */
+  DF_ERR_BAD_DORDER = -1023,     /* derivative-order count outside 0 .. 8 */
+  DF_ERR_BAD_RESULT = -1024,     /* null result array where results are due */
   DF_ERR_BAD_DATA_HINT = -1026,
   DF_ERR_BAD_RESULT_HINT = -1034,
   DF_ERR_BAD_AUX_FLAG = -1036,
@@ -50,8 +54,39 @@ enum { DF_STORE_DEFAULT = 0, DF_STORE_ROWS = 16, DF_STORE_COLS = 32, DF_STORE_SE
 /* Site hints of a search: sorted ascending, or uniform given by the two ends. */
 enum { DF_SITE_UNIFORM = 4, DF_SITE_SORTED = 64 };
 
-/* Boundary-condition type of the periodic condition. */
-enum { DF_BC_PERIODIC = 64 };
+/* Boundary-condition bits. DF_BC_NOT_A_KNOT, DF_BC_FREE_END and
+ * DF_BC_PERIODIC stand alone and carry no values. Otherwise one left bit
+ * (first or second derivative at x[0]) and one right bit (at x[nx-1]) are
+ * combined; bc then holds the left value and the right value, shared by
+ * all functions. */
+enum {
+  DF_BC_NOT_A_KNOT = 1,
+  DF_BC_FREE_END = 2,     /* second derivative 0 at both ends */
+  DF_BC_FIRST_LEFT = 4,   /* first derivative at x[0] */
+  DF_BC_FIRST_RIGHT = 8,  /* first derivative at x[nx-1] */
+  DF_BC_SECOND_LEFT = 16, /* second derivative at x[0] */
+  DF_BC_SECOND_RIGHT = 32,/* second derivative at x[nx-1] */
+  DF_BC_PERIODIC = 64
+};
+
+/* Spline orders (s_order) and types (s_type). */
+enum { DF_ORDER_STEP = 0, DF_ORDER_LINEAR = 2, DF_ORDER_QUADRATIC = 3, DF_ORDER_CUBIC = 4 };
+enum {
+  DF_TYPE_DEFAULT = 0,    /* order 3: standard; order 4: as DF_TYPE_NATURAL */
+  DF_TYPE_SUBBOTIN = 1,   /* order 3 with knots between the breakpoints */
+  DF_TYPE_NATURAL = 2,    /* order 4, conditions from bc_type */
+  DF_TYPE_HERMITE = 3,    /* order 4, first derivatives given in ic */
+  DF_TYPE_BESSEL = 4,     /* order 4, derivatives of local parabolas */
+  DF_TYPE_AKIMA = 5,      /* order 4, Akima's weighted slopes */
+  DF_TYPE_LOOKUP = 6,     /* order 0: y_i at x[i], NaN elsewhere */
+  DF_TYPE_STEP_RIGHT = 7, /* order 0: y_m on [x[m], x[m+1]) */
+  DF_TYPE_STEP_LEFT = 8   /* order 0: y_{m+1} on (x[m], x[m+1]] */
+};
+
+/* Internal-condition type of the Hermite cubic: ic holds the first
+ * derivatives of every function at every breakpoint, function j's nx values
+ * from ic + j*nx. */
+enum { DF_IC_FIRST_DER = 1 };
 
 /* Ids of oxa_df_kernel_iEditVal / iQueryVal. */
 enum {
@@ -165,7 +200,9 @@ oxa_status oxa_df_kernel_sDFSearch1D(DfTask* task, int32_t cell_flags, int64_t n
  * 32-bit arithmetic (64Pack, for nx < 2^31 - 1) and a width-choosing entry
  * taking cell_flags. nsite < 1 writes nothing.
  *
- * Uniform: x holds the two ends of the partition; inv = (nx-1)/(x[1]-x[0]). */
+ * Uniform: x holds the two ends of the partition; inv = (nx-1)/(x[1]-x[0]).
+ * Breakpoint k is x[0] + k*(x[1]-x[0])/(nx-1) evaluated left to right in the
+ * partition's precision (the last one x[1]); cells follow those values. */
 oxa_status oxa_df_kernel_dDFUniformSearch1D32(int64_t nx, const double* x, int64_t nsite,
                                               const double* site, double inv, int32_t* cell);
 oxa_status oxa_df_kernel_dDFUniformSearch1D64(int64_t nx, const double* x, int64_t nsite,
@@ -344,6 +381,138 @@ oxa_status oxa_df_kernel_dDFLinearSpline1D(DfTask* task, int64_t method, const v
                                            const DfThreading* threading);
 oxa_status oxa_df_kernel_sDFLinearSpline1D(DfTask* task, int64_t method, const void* extra,
                                            const DfThreading* threading);
+
+/* ---- Cubic spline construction ------------------------------------------ */
+
+/* Writes, for every function j and cell m, the coefficients c0..c3 of
+ * c0 + c1*u + c2*u^2 + c3*u^3, u = t - x[m], at positions 4m .. 4m+3 of
+ * function j's coefficient block. The task's s_order must be 4
+ * (DF_ERR_BAD_ORDER) and s_type one of:
+ *   DF_TYPE_DEFAULT, DF_TYPE_NATURAL: twice continuously differentiable;
+ *     bc_type 0 or DF_BC_FREE_END (second derivative 0 at both ends),
+ *     DF_BC_NOT_A_KNOT, DF_BC_PERIODIC (first and last values equal, else
+ *     DF_ERR_PERIODIC_VALUES), or one left bit (DF_BC_FIRST_LEFT,
+ *     DF_BC_SECOND_LEFT) with one right bit (DF_BC_FIRST_RIGHT,
+ *     DF_BC_SECOND_RIGHT) and bc = {left value, right value}, shared by all
+ *     functions. Not-a-knot on 2 points gives the line, on 3 the parabola.
+ *   DF_TYPE_HERMITE: ic_type DF_IC_FIRST_DER, ic the derivatives at every
+ *     breakpoint (function j's from ic + j*nx).
+ *   DF_TYPE_BESSEL: slopes of the parabolas through three neighbours.
+ *   DF_TYPE_AKIMA: Akima's slopes, two secants extrapolated at each end.
+ *   The last three take bc_type 0 only.
+ * Failures, all before any coefficient is written: DF_ERR_NULL_TASK,
+ * DF_ERR_UNEXPECTED_ARG (extra not NULL), DF_ERR_BAD_NX, DF_ERR_BAD_ORDER,
+ * DF_ERR_BAD_TYPE, DF_ERR_BAD_BC_TYPE (a condition the type cannot take),
+ * DF_ERR_BAD_BC (values needed, bc NULL), DF_ERR_BAD_IC_TYPE, DF_ERR_BAD_IC,
+ * DF_ERR_BAD_Y_HINT, DF_ERR_BAD_Y, DF_ERR_BAD_COEFF, DF_ERR_PERIODIC_VALUES,
+ * DF_ERR_MEM (scratch of (9 + 8*threads)*nx reals). threading may be NULL;
+ * blocks of four functions go to its parallel-for. */
+oxa_status oxa_df_kernel_dDFCubicSpline1D(DfTask* task, int64_t method, const void* extra,
+                                          const DfThreading* threading);
+oxa_status oxa_df_kernel_sDFCubicSpline1D(DfTask* task, int64_t method, const void* extra,
+                                          const DfThreading* threading);
+
+/* ---- Quadratic spline construction ---------------------------------------- */
+
+/* Writes c0 + c1*u + c2*u^2 per cell at positions 3m .. 3m+2 of function j's
+ * block. s_order must be 3. s_type DF_TYPE_DEFAULT: cells of the partition,
+ * u = t - x[m], once continuously differentiable, with one end condition:
+ * bc_type 0 or DF_BC_FREE_END (first cell a line), DF_BC_NOT_A_KNOT (first
+ * two cells one parabola), or one of DF_BC_FIRST_LEFT, DF_BC_FIRST_RIGHT,
+ * DF_BC_SECOND_LEFT, DF_BC_SECOND_RIGHT with its value in bc[0].
+ * DF_TYPE_SUBBOTIN: knots t_0 = x[0], t_i = (x[i-1] + x[i])/2, t_nx =
+ * x[nx-1], nx cells (coefficient stride 3*nx), u = t - t_i, interpolating at
+ * the breakpoints; one left bit and one right bit (first or second
+ * derivative), bc = {left value, right value}. Failures as for the cubic
+ * kernel, before any coefficient is written. */
+oxa_status oxa_df_kernel_dDFQuadraticSpline1D(DfTask* task, int64_t method, const void* extra,
+                                              const DfThreading* threading);
+oxa_status oxa_df_kernel_sDFQuadraticSpline1D(DfTask* task, int64_t method, const void* extra,
+                                              const DfThreading* threading);
+
+/* ---- Order 0, and construction by order --------------------------------- */
+
+/* The look-up and step-wise interpolants (s_order 0, s_type DF_TYPE_LOOKUP,
+ * DF_TYPE_STEP_RIGHT or DF_TYPE_STEP_LEFT) are evaluated from the function
+ * values and have no coefficients: this kernel checks the task (order, type,
+ * bc_type 0, the value pointers) and writes nothing. */
+oxa_status oxa_df_kernel_dDFStepSpline1D(DfTask* task, int64_t method, const void* extra,
+                                         const DfThreading* threading);
+oxa_status oxa_df_kernel_sDFStepSpline1D(DfTask* task, int64_t method, const void* extra,
+                                         const DfThreading* threading);
+
+/* Calls the construction kernel of the task's s_order (0, 2, 3 or 4; any
+ * other order gives DF_ERR_BAD_ORDER) and returns its status. */
+oxa_status oxa_df_kernel_dDFConstruct1D(DfTask* task, int64_t method, const void* extra,
+                                        const DfThreading* threading);
+oxa_status oxa_df_kernel_sDFConstruct1D(DfTask* task, int64_t method, const void* extra,
+                                        const DfThreading* threading);
+
+/* ---- Evaluation and integration of a constructed spline ------------------ */
+
+/* Extrapolation call-back: called for each site left of x[0] (the left one,
+ * cell 0) or right of x[nx-1] (the right one, cell nx). It writes n results
+ * for that site, function-major: r[f*nd + d] for the f-th chosen function and
+ * the d-th requested derivative, and returns 0 or a negative status, which
+ * stops the evaluation and is returned. */
+typedef int32_t (*oxa_df_dinterp_callback)(int64_t n, int64_t cell, double site, double* r,
+                                           void* params);
+typedef int32_t (*oxa_df_sinterp_callback)(int64_t n, int64_t cell, float site, float* r,
+                                           void* params);
+
+/* Values and derivatives of a constructed spline (orders 2, 3, 4,
+ * and 0 with types DF_TYPE_LOOKUP, DF_TYPE_STEP_RIGHT, DF_TYPE_STEP_LEFT) at
+ * nsite sites. sitehint and datahint choose the cell search as for
+ * oxa_df_kernel_dDFSearch1D (DF_SITE_SORTED, DF_SITE_UNIFORM with the two
+ * ends in site). func lists nfunc function indices (NULL: the first nfunc
+ * functions; nfunc 0: all). dorder holds ndorder flags, dorder[d] != 0
+ * requesting derivative d (NULL: values only); nd is the number requested.
+ * Results: rhint 0, DF_STORE_ROWS or DF_STORE_SEPARATE by function,
+ * r[(f*nd + k)*nsite + i]; DF_STORE_COLS by site, r[(i*nfunc + f)*nd + k].
+ * Extrapolation: beyond an end, the polynomial of the end cell (step-wise:
+ * the end value), unless the call-back of that end is given. Look-up: y_i
+ * where a site equals x[i], NaN elsewhere. Failures: DF_ERR_NULL_TASK,
+ * DF_ERR_BAD_NX, DF_ERR_BAD_ORDER, DF_ERR_BAD_TYPE, DF_ERR_BAD_NSITE,
+ * DF_ERR_BAD_SITE, DF_ERR_BAD_DORDER, DF_ERR_BAD_RESULT_HINT,
+ * DF_ERR_BAD_INDEX (function index), DF_ERR_BAD_Y, DF_ERR_BAD_COEFF,
+ * DF_ERR_BAD_DATA_HINT, DF_ERR_BAD_RESULT, DF_ERR_MEM, or a call-back's
+ * status. threading may be NULL; chunks of 4096 sites go to its
+ * parallel-for. */
+oxa_status oxa_df_kernel_dDFInterpolate1D(DfTask* task, int64_t nsite, const double* site,
+                                          int64_t sitehint, const double* datahint, int64_t nfunc,
+                                          const int64_t* func, int64_t ndorder,
+                                          const int64_t* dorder, double* r, int64_t rhint,
+                                          oxa_df_dinterp_callback left, void* left_params,
+                                          oxa_df_dinterp_callback right, void* right_params,
+                                          const DfThreading* threading);
+oxa_status oxa_df_kernel_sDFInterpolate1D(DfTask* task, int64_t nsite, const float* site,
+                                          int64_t sitehint, const float* datahint, int64_t nfunc,
+                                          const int64_t* func, int64_t ndorder,
+                                          const int64_t* dorder, float* r, int64_t rhint,
+                                          oxa_df_sinterp_callback left, void* left_params,
+                                          oxa_df_sinterp_callback right, void* right_params,
+                                          const DfThreading* threading);
+
+/* Integrals of a constructed spline over [llim[k], rlim[k]], k < nlim (a
+ * limit pair in either order gives the signed integral), by the closed form
+ * of each cell's polynomial; beyond the ends the same extrapolation as the
+ * evaluation without call-backs. llimhint/rlimhint and ldatahint/rdatahint
+ * choose each limit array's search as the site hints do (DF_SITE_UNIFORM:
+ * two ends given). Functions as in the evaluation. Results: rhint 0,
+ * DF_STORE_ROWS or DF_STORE_SEPARATE r[f*nlim + k]; DF_STORE_COLS
+ * r[k*nfunc + f]; other hints DF_ERR_BAD_RESULT_HINT. The look-up
+ * interpolant has no integral (DF_ERR_BAD_TYPE). Other failures as in the
+ * evaluation. */
+oxa_status oxa_df_kernel_dDFIntegrate1D(DfTask* task, int64_t nlim, const double* llim,
+                                        int64_t llimhint, const double* rlim, int64_t rlimhint,
+                                        const double* ldatahint, const double* rdatahint,
+                                        int64_t nfunc, const int64_t* func, double* r,
+                                        int64_t rhint, const DfThreading* threading);
+oxa_status oxa_df_kernel_sDFIntegrate1D(DfTask* task, int64_t nlim, const float* llim,
+                                        int64_t llimhint, const float* rlim, int64_t rlimhint,
+                                        const float* ldatahint, const float* rdatahint,
+                                        int64_t nfunc, const int64_t* func, float* r,
+                                        int64_t rhint, const DfThreading* threading);
 
 OXA_EXTERN_C_END
 

@@ -9,5 +9,6 @@
 #include "oxa/summary_stats.h"
 #include "oxa/data_fitting.h"
 #include "oxa/vector_math.h"
+#include "oxa/primitives.h"
 
 #endif /* OXA_OXA_H */

@@ -43,6 +43,12 @@ enum {
   VSL_RNG_ERROR_TRNG_FAILED = -1131
 };
 
+/* Status codes of the abstract generators. */
+enum {
+  VSL_RNG_ERROR_ABSTRACT_CALLBACK = -1120, /* the call-back refilled nothing, or too much */
+  VSL_RNG_ERROR_ABSTRACT_NO_SAVE = -1121   /* an abstract stream cannot be saved */
+};
+
 /* Basic generator ids (registry form). WH set s is OXA_BRNG_WH + s (s < 273),
  * MT2203 set s is OXA_BRNG_MT2203 + s (s < 6024). Legacy ids 0..278 name the
  * first rows directly (0 MCG31M1, 1 R250, 2 MRG32K3A, 3 MCG59, 4..276 WH sets
@@ -195,11 +201,107 @@ int32_t _vslsBRngWH(StreamState* stream, int32_t n, float r[], float a, float b)
 int32_t _vsldBRngWH(StreamState* stream, int32_t n, double r[], double a, double b);
 int32_t _vsliBRngWH(StreamState* stream, int32_t n, uint32_t r[]);
 
+/* Quasi-random generators: the base-2 Sobol (SOBOL) and Niederreiter (NIEDERR)
+ * sequences in Gray-code order with 32-bit resolution. A stream of dimension d
+ * hands out the coordinates of consecutive points, point by point; the first
+ * point handed out is point 1 (the origin, point 0, is skipped, so no value
+ * is zero), and after point 2^32 - 1 the sequence starts again at point 1.
+ * Words are the 32-bit coordinates u; reals are a + (b - a) u 2^-32.
+ *
+ * Seed words (InitStream method 0):
+ *   params[0]  dimension d: SOBOL 1..2600, NIEDERR 1..10494 (n = 0: d = 1).
+ *   params[1]  q <= d, the number of trailing dimensions the caller defines
+ *              (n = 1, or q = 0: every dimension built in).
+ *   SOBOL:   params[2 .. 2+q)  the primitive polynomials of dimensions
+ *              d-q+1 .. d, bit i the coefficient of x^i (odd; degree s =
+ *              bit length - 1 <= 31; the polynomial 1 gives van der Corput);
+ *            then, dimension after dimension, the s initial direction numbers
+ *              m_1..m_s (each odd, m_k < 2^k). n = 2 + q + sum of s exactly.
+ *            Built in: the Joe-Kuo new-joe-kuo-6.21201 direction numbers.
+ *   NIEDERR: params[2 .. 2+q)  irreducible polynomials over GF(2) (same bit
+ *              form, degree 1..31) of dimensions d-q+1 .. d; n = 2 + q.
+ *            Built in: the irreducible polynomials in order of degree, then value.
+ *   Inconsistent seed words give VSL_ERROR_BAD_ARGUMENT.
+ * Leapfrog only with nstreams = 2147483647 and k < d: the stream then hands out
+ * coordinate k of each point, from the point holding its next value.
+ * Skip-ahead by nskip >= 1 values, while the point number stays below 2^32
+ * (else VSL_RNG_ERROR_NO_SKIPAHEAD). */
+int32_t _vslBRngSOBOLInitStream(int32_t method, StreamState* stream, int32_t n,
+                                const uint32_t params[]);
+int32_t _vslsBRngSOBOL(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngSOBOL(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngSOBOL(StreamState* stream, int32_t n, uint32_t r[]);
+int32_t _vslBRngNIEDERRInitStream(int32_t method, StreamState* stream, int32_t n,
+                                  const uint32_t params[]);
+int32_t _vslsBRngNIEDERR(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngNIEDERR(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngNIEDERR(StreamState* stream, int32_t n, uint32_t r[]);
+
 int32_t _vslBRngMT19937InitStream(int32_t method, StreamState* stream, int32_t n,
                                   const uint32_t params[]);
 int32_t _vslsBRngMT19937(StreamState* stream, int32_t n, float r[], float a, float b);
 int32_t _vsldBRngMT19937(StreamState* stream, int32_t n, double r[], double a, double b);
 int32_t _vsliBRngMT19937(StreamState* stream, int32_t n, uint32_t r[]);
+
+/* SFMT19937: the SIMD-oriented fast Mersenne twister with the 19937-bit
+ * parameters. Seeding from n words: n = 1 is the one-word initialisation
+ * (the word itself), any other n >= 2 the array initialisation over all n
+ * words, n <= 0 the one word 1; both are followed by the period
+ * certification. Words are the state's 32-bit words in order after each
+ * regeneration; reals are a + (b - a) u 2^-32 on [a, b). Leapfrog -1002;
+ * skip-ahead by counts up to 2^30 words (larger counts: -1003). */
+int32_t _vslBRngSFMT19937InitStream(int32_t method, StreamState* stream, int32_t n,
+                                    const uint32_t params[]);
+int32_t _vslsBRngSFMT19937(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngSFMT19937(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngSFMT19937(StreamState* stream, int32_t n, uint32_t r[]);
+
+/* Abstract generators: a stream over a caller-owned buffer of n values and a
+ * call-back that refills it; the caller keeps both alive while the stream (or
+ * a copy of it) is used. iAbstract holds 32-bit words, dAbstract doubles and
+ * sAbstract floats, the reals in [0, 1).
+ * Creation: only with the constructors below (_vslNewStreamEx refuses these
+ * ids); n <= 0, a null buffer or a null call-back give VSL_ERROR_BAD_ARGUMENT.
+ * The buffer is taken as full: generation hands out buffer[0], buffer[1], ...
+ * Call-back: int32_t callback(stream, buffer, length, index) is called when
+ * the values refilled last are used up; it writes k new values at
+ * buffer[index .. index + k) and returns k. index is where the previous
+ * refill ended, or 0 once the whole buffer has been used. A return of k <= 0
+ * or k > length - index stops the generation call with
+ * VSL_RNG_ERROR_ABSTRACT_CALLBACK: the values before the stop are written and
+ * the next generation call asks the call-back again.
+ * Values: words u give reals a + (b - a) u 2^-32; buffer reals u give
+ * a + (b - a) u (computed in double) and words floor(2^32 u), clamped to
+ * 0 .. 2^32 - 1. Leapfrog -1002, skip-ahead -1003, saving
+ * VSL_RNG_ERROR_ABSTRACT_NO_SAVE; loading an image of such an id gives
+ * VSL_RNG_ERROR_BAD_IMAGE. */
+typedef int32_t (*oxa_iabstract_callback)(StreamState* stream, uint32_t buffer[], int32_t length,
+                                          int32_t index);
+typedef int32_t (*oxa_dabstract_callback)(StreamState* stream, double buffer[], int32_t length,
+                                          int32_t index);
+typedef int32_t (*oxa_sabstract_callback)(StreamState* stream, float buffer[], int32_t length,
+                                          int32_t index);
+int32_t _vsliNewAbstractStream(StreamState** handle, int32_t n, uint32_t ibuf[],
+                               oxa_iabstract_callback callback);
+int32_t _vsldNewAbstractStream(StreamState** handle, int32_t n, double dbuf[],
+                               oxa_dabstract_callback callback);
+int32_t _vslsNewAbstractStream(StreamState** handle, int32_t n, float sbuf[],
+                               oxa_sabstract_callback callback);
+int32_t _vslBRngiAbstractInitStream(int32_t method, StreamState* stream, int32_t n,
+                                    const uint32_t params[]);
+int32_t _vslsBRngiAbstract(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngiAbstract(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngiAbstract(StreamState* stream, int32_t n, uint32_t r[]);
+int32_t _vslBRngdAbstractInitStream(int32_t method, StreamState* stream, int32_t n,
+                                    const uint32_t params[]);
+int32_t _vslsBRngdAbstract(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngdAbstract(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngdAbstract(StreamState* stream, int32_t n, uint32_t r[]);
+int32_t _vslBRngsAbstractInitStream(int32_t method, StreamState* stream, int32_t n,
+                                    const uint32_t params[]);
+int32_t _vslsBRngsAbstract(StreamState* stream, int32_t n, float r[], float a, float b);
+int32_t _vsldBRngsAbstract(StreamState* stream, int32_t n, double r[], double a, double b);
+int32_t _vsliBRngsAbstract(StreamState* stream, int32_t n, uint32_t r[]);
 
 int32_t _vslBRngPHILOX4X32X10InitStream(int32_t method, StreamState* stream, int32_t n,
                                         const uint32_t params[]);
@@ -230,7 +332,9 @@ int32_t _vslCPUisRDRAND(void);
  * is 16 header bytes, the generator state and one record per chunk; its size
  * is _vslGetStreamSize(stream). File names of length >= 0 need not be
  * terminated; a negative length means a zero-terminated name. A failed load
- * leaves NULL in the handle. */
+ * leaves NULL in the handle. Loading refuses (VSL_RNG_ERROR_BAD_IMAGE) a chunk
+ * with a shared key and no data, and chunks of one image that share a key but
+ * disagree on size; saving refuses a chunk with a size and no data. */
 int32_t _vslSaveStreamF(const StreamState* stream, const char* name, int32_t length);
 int32_t _vslLoadStreamF(StreamState** handle, const char* name, int32_t length);
 int32_t _vslSaveStreamM(const StreamState* stream, char* memory);

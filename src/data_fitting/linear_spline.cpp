@@ -14,6 +14,7 @@
 #include <cstdint>
 
 #include "data_fitting/task.hpp"
+#include "data_fitting/uniform_partition.hpp"
 
 namespace oxa::df {
 namespace {
@@ -185,7 +186,7 @@ oxa_status linear_routine(const DfTask& task, const DfThreading* threading) {
       if (!(value_at<T, Cols>(c, j, 0) == value_at<T, Cols>(c, j, c.nx - 1)))
         return DF_ERR_PERIODIC_VALUES;
 
-  if constexpr (Uniform) c.inv_h = static_cast<T>(c.nx - 1) / (c.x[1] - c.x[0]);
+  if constexpr (Uniform) c.inv_h = uniform_inverse_step(c.x[0], c.x[1], c.nx);
   c.stream = 2 * (c.nx - 1) * c.ny * static_cast<int64_t>(sizeof(T)) >= kStreamBytes;
 
   c.cell_blocks = (c.nx - 1 + kCellBlock - 1) / kCellBlock;

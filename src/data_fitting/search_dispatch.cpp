@@ -63,7 +63,7 @@ oxa_status dispatch(DfTask* task, int32_t flags, int64_t nsite, const T* site, i
   int64_t state = 0;
   j.state = &state;
   const T x_last = task->xhint == DF_X_UNIFORM ? j.x[1] : j.x[j.nx - 1];
-  j.inv = static_cast<T>(j.nx - 1) / (x_last - j.x[0]);
+  j.inv = uniform_inverse_step(j.x[0], x_last, j.nx);
 
   // A task created on a uniform partition and re-hinted without a rebuild
   // has no table; one bin spanning the partition keeps the hybrid rule exact.

@@ -12,10 +12,13 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstdint>
+#include <limits>
 #include <type_traits>
 
 #include "data_fitting/task.hpp"
+#include "data_fitting/uniform_partition.hpp"
 
 namespace oxa::df {
 
@@ -58,17 +61,14 @@ struct StoredPoints {
   T operator[](int64_t k) const { return x[k]; }
 };
 
-// Breakpoints of a uniform partition given by its two ends:
-// x[0] + k·(x[1] − x[0])/(nx − 1), the last one exactly x[1].
+// Breakpoints of a uniform partition given by its two ends (uniform_breakpoint).
 template <Real T>
 struct EvenPoints {
   const T* x;
   int64_t nx;
   T first() const { return x[0]; }
   T last() const { return x[1]; }
-  T operator[](int64_t k) const {
-    return k == nx - 1 ? x[1] : x[0] + static_cast<T>(k) * (x[1] - x[0]) / static_cast<T>(nx - 1);
-  }
+  T operator[](int64_t k) const { return uniform_breakpoint(x[0], x[1], nx, k); }
 };
 
 // Settles the sites every method treats alike. Returns true with the cell in
@@ -117,6 +117,7 @@ template <>
 struct Lanes4<double> {
   using V = __m256d;
   static V load(const double* p) { return _mm256_loadu_pd(p); }
+  static __m256d wide(const double* p) { return load(p); }
   static __m256d scaled(const double* t, double x0, double inv) {
     return _mm256_mul_pd(_mm256_sub_pd(load(t), _mm256_set1_pd(x0)), _mm256_set1_pd(inv));
   }
@@ -129,6 +130,7 @@ template <>
 struct Lanes4<float> {
   using V = __m128;
   static V load(const float* p) { return _mm_loadu_ps(p); }
+  static __m256d wide(const float* p) { return _mm256_cvtps_pd(load(p)); }
   static __m256d scaled(const float* t, float x0, float inv) {
     return _mm256_cvtps_pd(_mm_mul_ps(_mm_sub_ps(load(t), _mm_set1_ps(x0)), _mm_set1_ps(inv)));
   }
@@ -138,42 +140,107 @@ struct Lanes4<float> {
   }
 };
 
-// Guesses trunc(inv·(t − x0)) for four sites, nx where that is not in
-// [0, nx) (sites below x0 and NaN included; those are settled elsewhere).
+// Guesses trunc(inv·(t − x0)) for four sites as whole doubles, nx where that
+// is not in [0, nx) (sites below x0 and NaN included; those are settled
+// elsewhere).
 template <Real T>
-inline void guess4(const T* t, T x0, T inv, int64_t nx, int64_t* g) {
+inline __m256d guess4_whole(const T* t, T x0, T inv, int64_t nx) {
   const __m256d v = Lanes4<T>::scaled(t, x0, inv);
   const __m256d top = _mm256_set1_pd(static_cast<double>(nx));
   const __m256d inside = _mm256_and_pd(_mm256_cmp_pd(v, _mm256_setzero_pd(), _CMP_GE_OQ),
                                        _mm256_cmp_pd(v, top, _CMP_LT_OQ));
-  const __m256d whole =
-      _mm256_blendv_pd(top, _mm256_round_pd(v, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC), inside);
-  // Whole numbers below 2^52 convert exactly by adding 2^52 and taking the bits.
-  const __m256d magic = _mm256_set1_pd(0x1p52);
-  const __m256i bits = _mm256_sub_epi64(_mm256_castpd_si256(_mm256_add_pd(whole, magic)),
-                                        _mm256_castpd_si256(magic));
-  _mm256_storeu_si256(reinterpret_cast<__m256i*>(g), bits);
+  return _mm256_blendv_pd(top, _mm256_round_pd(v, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC), inside);
 }
 
-// Uniform (method 0): cell = trunc(inv·(t − x0)) + 1, at most nx, the guesses
-// four at a time. x holds the two ends; no other breakpoint is read.
+// Whole doubles in [0, 2^52) as 64-bit integers: add 2^52 and take the bits.
+inline __m256i whole_to_int64(__m256d whole) {
+  const __m256d magic = _mm256_set1_pd(0x1p52);
+  return _mm256_sub_epi64(_mm256_castpd_si256(_mm256_add_pd(whole, magic)),
+                          _mm256_castpd_si256(magic));
+}
+
+template <Real T>
+inline void guess4(const T* t, T x0, T inv, int64_t nx, int64_t* g) {
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(g), whole_to_int64(guess4_whole(t, x0, inv, nx)));
+}
+
+// Stores four cells held as whole doubles.
+template <class Out>
+inline void store_cells4(__m256d c, Out* out) {
+  if constexpr (sizeof(Out) == 4)
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_cvtpd_epi32(c));
+  else
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), whole_to_int64(c));
+}
+
+// Cell of one site on a uniform partition: the guess's cell c = g + 1 (at
+// most nx), moved down when b(c − 1) > t or up when b(c) <= t. The product
+// inv·(t − x0) can round across a breakpoint in either direction, by less
+// than one cell.
+template <Real T>
+inline int64_t uniform_cell(T t, T x0, T xl, T inv, int64_t nx) {
+  int64_t r;
+  if (settle_ends(t, x0, xl, nx, &r)) return r;
+  const int64_t c = std::min(guess(t, x0, inv, nx) + 1, nx);
+  if (uniform_breakpoint(x0, xl, nx, c - 1) > t) return c - 1;
+  return c < nx && uniform_breakpoint(x0, xl, nx, c) <= t ? c + 1 : c;
+}
+
+// A bound δ, in cells, such that a site whose v = inv·(t − x0) lies more than
+// δ from a whole number is in the guess's cell without checking: twice the
+// rounding of v (t − x0, inv and the product, relative to the exact position
+// nx·ε at most, plus the distance of inv from (nx − 1)/(x1 − x0)) plus that of
+// the breakpoints (nx·ε in the product and quotient, and half an ulp of the
+// largest end in the sum). 1 (never skip) from 2^-8 up: a wider band would
+// send so many groups to the checks that the branch itself costs more.
+template <Real T>
+inline double uniform_skip_margin(T x0, T x1, T inv, int64_t nx) {
+  const double u = std::numeric_limits<T>::epsilon() / 2;
+  const double n = static_cast<double>(nx - 1), d = static_cast<double>(x1) - x0;
+  const double inv_off = std::fabs(static_cast<double>(inv) * d / n - 1);
+  const double big = std::fmax(std::fabs(static_cast<double>(x0)),  // the largest end
+                               std::fabs(static_cast<double>(x1)));
+  const double delta = 2 * (static_cast<double>(nx) * (inv_off + 16 * u) + big * u * n / d);
+  return d > 0 && delta < 0x1p-8 ? delta : 1.0;  // NaN included
+}
+
+// Uniform (method 0): uniform_cell, four sites at a time without branches
+// but one: the breakpoint checks run only for a group with a site within δ
+// of a breakpoint (uniform_skip_margin). Cells are whole doubles; the ends
+// are settled last by blending. x holds the two ends; no other breakpoint is
+// read.
 template <Real T, class W>
 void search_uniform(int64_t nx, const T* x, T inv, int64_t n, const T* site,
                     typename W::Out* cell) {
-  using Idx = typename W::Idx;
+  using Out = typename W::Out;
   const T x0 = x[0], xl = x[1];
-  auto place = [&](int64_t i, int64_t g) {
-    Idx r;
-    if (!settle_ends(site[i], x0, xl, nx, &r)) r = static_cast<Idx>(std::min(g + 1, nx));
-    cell[i] = r;
-  };
+  const UniformBreakpoints4<T> b(x0, xl, nx);
+  const __m256d one = _mm256_set1_pd(1.0), top = _mm256_set1_pd(static_cast<double>(nx));
+  const __m256d last = _mm256_set1_pd(static_cast<double>(nx - 1));
+  const __m256d first = _mm256_set1_pd(static_cast<double>(x0));
+  const __m256d right = _mm256_set1_pd(static_cast<double>(xl));
+  const double delta = uniform_skip_margin(x0, xl, inv, nx);
+  const __m256d near_lo = _mm256_set1_pd(delta), near_hi = _mm256_set1_pd(1 - delta);
   int64_t i = 0;
   for (; i + 4 <= n; i += 4) {
-    int64_t g[4];
-    guess4(site + i, x0, inv, nx, g);
-    for (int64_t k = 0; k < 4; ++k) place(i + k, g[k]);
+    const __m256d t = Lanes4<T>::wide(site + i);
+    const __m256d v = Lanes4<T>::scaled(site + i, x0, inv);
+    const __m256d g = guess4_whole(site + i, x0, inv, nx);
+    __m256d c = _mm256_min_pd(_mm256_add_pd(g, one), top);
+    const __m256d f = _mm256_sub_pd(v, g);  // NaN, negative or >= 1 outside [0, nx)
+    const __m256d clear = _mm256_and_pd(_mm256_cmp_pd(f, near_lo, _CMP_GT_OQ),
+                                        _mm256_cmp_pd(f, near_hi, _CMP_LT_OQ));
+    if (_mm256_movemask_pd(clear) != 0xF) {
+      const __m256d down = _mm256_cmp_pd(b(_mm256_sub_pd(c, one)), t, _CMP_GT_OQ);
+      const __m256d up =
+          _mm256_and_pd(_mm256_cmp_pd(c, top, _CMP_LT_OQ), _mm256_cmp_pd(b(c), t, _CMP_LE_OQ));
+      c = _mm256_add_pd(_mm256_sub_pd(c, _mm256_and_pd(down, one)), _mm256_and_pd(up, one));
+    }
+    c = _mm256_blendv_pd(c, last, _mm256_cmp_pd(t, right, _CMP_EQ_OQ));
+    c = _mm256_andnot_pd(_mm256_cmp_pd(t, first, _CMP_NGE_UQ), c);  // t < x0 or NaN: 0
+    store_cells4(c, cell + i);
   }
-  for (; i < n; ++i) place(i, guess(site[i], x0, inv, nx));
+  for (; i < n; ++i) cell[i] = static_cast<Out>(uniform_cell(site[i], x0, xl, inv, nx));
 }
 
 // Quasi-uniform (method 1): guesses for a block of 32 sites first, four at a

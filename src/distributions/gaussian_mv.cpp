@@ -5,6 +5,8 @@
 //         given, transformed in place by the BLAS triangular product (?trmm),
 //         and shifted by the mean. A chunk's normals come from one Gaussian
 //         call, so the stream consumption is that of those calls.
+// Threads: the product runs on the calling thread, in the single-threaded
+//         BLAS (linalg/blas.hpp says why); generation starts no thread.
 // Storage of T (row-major, only the lower triangle is read):
 //   OXA_MATRIX_STORAGE_FULL     d·d values, T[i][j] at i·d + j;
 //   OXA_MATRIX_STORAGE_PACKED   d(d+1)/2 values, the lower triangle row by row,
@@ -16,18 +18,8 @@
 #include <cstddef>
 
 #include "distributions/gaussian.hpp"
+#include "linalg/blas.hpp"
 #include "oxa/service.h"
-
-extern "C" {
-// Fortran BLAS triangular matrix product B <- alpha·op(A)·B (trailing
-// arguments: the hidden lengths of the four character arguments).
-void dtrmm_(const char* side, const char* uplo, const char* transa, const char* diag,
-            const int* m, const int* n, const double* alpha, const double* a, const int* lda,
-            double* b, const int* ldb, size_t, size_t, size_t, size_t);
-void strmm_(const char* side, const char* uplo, const char* transa, const char* diag,
-            const int* m, const int* n, const float* alpha, const float* a, const int* lda,
-            float* b, const int* ldb, size_t, size_t, size_t, size_t);
-}
 
 namespace oxa::distributions {
 namespace {
@@ -39,12 +31,7 @@ constexpr int64_t kChunkElements = 8192;
 // the product is op(A) = Aᵀ with A's upper triangle.
 template <class T>
 void triangular_product(int d, int count, const T* full, T* z) {
-  const T one = 1;
-  if constexpr (sizeof(T) == sizeof(double)) {
-    dtrmm_("L", "U", "T", "N", &d, &count, &one, full, &d, z, &d, 1, 1, 1, 1);
-  } else {
-    strmm_("L", "U", "T", "N", &d, &count, &one, full, &d, z, &d, 1, 1, 1, 1);
-  }
+  linalg::trmm('L', 'U', 'T', 'N', d, count, T(1), full, d, z, d);
 }
 
 // Row-major full copy of a packed lower triangle (the upper part stays unread).

@@ -19,6 +19,7 @@
 #include <atomic>
 #include <cstring>
 
+#include "streams/cpu_features.hpp"
 #include "streams/mt19937.hpp"
 #include "streams/mt19937_jump_poly.hpp"
 
@@ -154,8 +155,7 @@ void apply_poly(const uint64_t* g, const uint32_t* start, uint32_t* out) {
   uint64_t rev[kPad + kMtPolyWords + kPad] = {};
   for (int i = 0; i < kMtPolyWords; ++i) rev[kPad + i] = reverse_bits(g[kMtPolyWords - 1 - i]);
   alignas(32) uint64_t r[32][10];
-  const bool wide =
-      __builtin_cpu_supports("vpclmulqdq") && !narrow_only.load(std::memory_order_relaxed);
+  const bool wide = cpu_has_wide_clmul() && !narrow_only.load(std::memory_order_relaxed);
   for (int b = 0; b < 32; ++b) {
     if (wide) {
       correlate_wide(rev, planes[b], r[b]);

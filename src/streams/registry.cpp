@@ -20,14 +20,14 @@ const BuiltinRow kBuiltin[kBuiltinRows] = {
     {40, 6, 1, 4, 32, 1, &kBrngEntryMRG32K3A},         // MRG32K3A
     {32, 1, 0, 8, 59, 1, &kBrngEntryMCG59},            // MCG59
     {48, 4, 1, 16, 24, kWhSets, &kBrngEntryWH},        // WH, 273 parameter sets
-    {11712, 2604, 0, 4, 32, 1, &kNoEntryPoints},       // SOBOL
-    {84288, 10498, 0, 4, 32, 1, &kNoEntryPoints},      // NIEDERR
+    {11712, 2604, 0, 4, 32, 1, &kBrngEntrySOBOL},      // SOBOL
+    {84288, 10498, 0, 4, 32, 1, &kBrngEntryNIEDERR},   // NIEDERR
     {2520, 625, 1, 4, 32, 1, &kBrngEntryMT19937},      // MT19937
     {312, 70, 1, 4, 32, kMt2203Sets, &kNoEntryPoints}, // MT2203, 6024 parameter sets
-    {48, 0, 1, 4, 32, 1, &kNoEntryPoints},             // iAbstract
-    {64, 0, 1, 4, 32, 1, &kNoEntryPoints},             // dAbstract
-    {56, 0, 1, 4, 32, 1, &kNoEntryPoints},             // sAbstract
-    {2536, 625, 1, 4, 32, 1, &kNoEntryPoints},         // SFMT19937
+    {48, 0, 1, 4, 32, 1, &kBrngEntryIABSTRACT},        // iAbstract
+    {64, 0, 1, 4, 32, 1, &kBrngEntryDABSTRACT},        // dAbstract
+    {56, 0, 1, 4, 32, 1, &kBrngEntrySABSTRACT},        // sAbstract
+    {2536, 625, 1, 4, 32, 1, &kBrngEntrySFMT19937},    // SFMT19937
     {24, 1, 1, 4, 32, 1, &kBrngEntryTRNG},             // NONDETERM (hardware)
     {72, 8, 1, 4, 32, 1, &kBrngEntryARS5},             // ARS5
     {64, 8, 1, 4, 32, 1, &kBrngEntryPHILOX4X32X10},    // PHILOX4X32X10

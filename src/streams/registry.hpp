@@ -29,7 +29,13 @@ extern const BrngEntryPoints kBrngEntryR250;
 extern const BrngEntryPoints kBrngEntryMRG32K3A;
 extern const BrngEntryPoints kBrngEntryMCG59;
 extern const BrngEntryPoints kBrngEntryWH;
+extern const BrngEntryPoints kBrngEntrySOBOL;
+extern const BrngEntryPoints kBrngEntryNIEDERR;
 extern const BrngEntryPoints kBrngEntryMT19937;
+extern const BrngEntryPoints kBrngEntrySFMT19937;
+extern const BrngEntryPoints kBrngEntryIABSTRACT;
+extern const BrngEntryPoints kBrngEntryDABSTRACT;
+extern const BrngEntryPoints kBrngEntrySABSTRACT;
 extern const BrngEntryPoints kBrngEntryTRNG;
 extern const BrngEntryPoints kBrngEntryARS5;
 extern const BrngEntryPoints kBrngEntryPHILOX4X32X10;
@@ -78,6 +84,12 @@ inline BrngRef decode_brng(int32_t id) {
   BrngRef ref{};
   ref.table = _vslGetBrngBaseOffset(id, &ref.row, &ref.sub);
   return ref;
+}
+
+// The three abstract rows: their state points at caller memory, so their
+// streams come only from their own constructors and are never saved.
+inline bool is_abstract(const BrngRef& ref) {
+  return ref.table == RegBrngsNew && ref.row >= kRowIABSTRACT && ref.row <= kRowSABSTRACT;
 }
 
 // Valid id whose four entry points all exist: the test every operation that

@@ -1,10 +1,12 @@
 // Saving a stream to a file or to memory and rebuilding it.
 //
 // Image (little-endian): version 1, the bytes 'R' 'N' 'G', header size 16
-// (2 bytes), state size StateBytes - 16 (2), chunk count (2), two reserved
-// bytes written as zero, the generator id (4); then the state area; then per
-// chunk from the list head: id (4), key low and high (8 + 8, absent in version
-// 0 images), data size (4), data. Its size is _vslGetStreamSize.
+// (2 bytes), state size StateBytes - 16 (2; only its low 16 bits when the
+// area is larger, as NIEDERR's is: the loader reads the registry's size),
+// chunk count (2), two reserved bytes written as zero, the generator id (4);
+// then the state area; then per chunk from the list head: id (4), key low and
+// high (8 + 8, absent in version 0 images), data size (4), data. Its size is
+// _vslGetStreamSize.
 //
 // One save body and one load body serve files and memory through a channel
 // whose kind picks the access routine from a dispatch table. Loading accepts
@@ -16,12 +18,21 @@
 // buffer larger than the bytes left in the file (such a chunk is a short
 // read). The memory loader has no size and trusts the buffer to hold the
 // whole image.
+//
+// Shared keys: a chunk never has a size with no data behind it. A chunk
+// whose key joins an entry of the shared read-only table takes the entry's
+// buffer, whose size the table does not record, so the loader refuses (bad
+// image) a keyed chunk without data and a keyed chunk whose size differs
+// from an earlier chunk of the same image under that key. A key that another
+// live stream already shares is trusted to name the same bytes. Saving
+// refuses a chunk with a size and no data instead of reading through null.
 #include <cstdio>
 #include <cstring>
 
 #include "oxa/service.h"
 #include "streams/cpu_features.hpp"
 #include "streams/registry.hpp"
+#include "streams/shared_table.hpp"
 #include "streams/stream_state.hpp"
 
 using namespace oxa::streams;
@@ -157,9 +168,16 @@ int32_t save_image(Channel* c, const StreamState* stream) {
     save(c, &k->key[0], 8);
     save(c, &k->key[1], 8);
     save(c, &k->size, 4);
+    if (k->size && k->data == nullptr) return VSL_RNG_ERROR_FILE_WRITE;
     status = save(c, k->data, k->size) == 0 ? 0 : VSL_RNG_ERROR_FILE_WRITE;
   }
   return status;
+}
+
+// The first chunk, from `c` on, whose key equals `key`; null if none.
+const StreamChunk* chunk_with_key(const StreamChunk* c, const uint64_t key[2]) {
+  while (c && (c->key[0] != key[0] || c->key[1] != key[1])) c = c->next;
+  return c;
 }
 
 // Reads the header's chunk records onto the stream; the status goes to *status.
@@ -183,6 +201,10 @@ void _vslReadChunks(int32_t* status, Channel* c, const ImageHeader* header, Stre
       *status = VSL_RNG_ERROR_FILE_READ;
       continue;
     }
+    if (size == 0 && !key_is_zero(key)) {  // nothing to share
+      *status = VSL_RNG_ERROR_BAD_IMAGE;
+      return;
+    }
     void* data = size ? oxa_serv_allocate(size, kBlockAlignment) : nullptr;
     if (size && data == nullptr) {
       *status = VSL_ERROR_NO_MEMORY;
@@ -199,8 +221,16 @@ void _vslReadChunks(int32_t* status, Channel* c, const ImageHeader* header, Stre
       *status = added;
       return;
     }
-    // A key already in the shared table makes the chunk use the table's data.
-    if (stream->chunks->data != data) oxa_serv_deallocate(data);
+    // A key already in the shared table makes the chunk use the table's data,
+    // which must be as long as the chunk claims.
+    if (stream->chunks->data != data) {
+      oxa_serv_deallocate(data);
+      const StreamChunk* earlier = chunk_with_key(stream->chunks->next, key);
+      if (earlier && earlier->size != size) {
+        *status = VSL_RNG_ERROR_BAD_IMAGE;
+        return;
+      }
+    }
   }
 }
 
@@ -216,7 +246,8 @@ int32_t load_image(Channel* c, StreamState** handle) {
   if ((w & 0xFFu) > 1 && (w >> 24) > 1) return VSL_RNG_ERROR_BAD_IMAGE_VERSION;
   const int32_t id = h.brng();
   const BrngRef ref = decode_brng(id);
-  if (!is_usable(ref) || h.state_size() != state_area_bytes(ref.props().StateBytes) ||
+  const std::size_t state_bytes = is_usable(ref) ? state_area_bytes(ref.props().StateBytes) : 0;
+  if (!is_usable(ref) || is_abstract(ref) || h.state_size() != uint16_t(state_bytes) ||
       ref.props().StateBytes < int32_t(sizeof(StreamState)) || h.header_size() < kHeaderBytes) {
     return VSL_RNG_ERROR_BAD_IMAGE;
   }
@@ -225,7 +256,7 @@ int32_t load_image(Channel* c, StreamState** handle) {
   }
   int32_t status = _vslAllocateStream(handle, ref.table, id, ref.row, ref.sub);
   if (status < 0) return status;
-  if (load(c, generator_state<unsigned char>(*handle), h.state_size()) != 0) {
+  if (load(c, generator_state<unsigned char>(*handle), state_bytes) != 0) {
     status = VSL_RNG_ERROR_FILE_READ;
   } else if (id == OXA_BRNG_NONDETERM && !cpu_has_rdrand()) {
     status = VSL_RNG_ERROR_NO_RDRAND;
@@ -241,6 +272,7 @@ int32_t load_image(Channel* c, StreamState** handle) {
 extern "C" {
 
 int32_t _vslSaveStreamF(const StreamState* stream, const char* name, int32_t length) {
+  if (is_abstract(decode_brng(stream->brng))) return VSL_RNG_ERROR_ABSTRACT_NO_SAVE;
   FileName file;
   if (int32_t s = file.prepare(name, length); s < 0) return s;
   Channel c{kFile, std::fopen(file.str, "wb"), nullptr, 0, 0};
@@ -251,6 +283,7 @@ int32_t _vslSaveStreamF(const StreamState* stream, const char* name, int32_t len
 }
 
 int32_t _vslSaveStreamM(const StreamState* stream, char* memory) {
+  if (is_abstract(decode_brng(stream->brng))) return VSL_RNG_ERROR_ABSTRACT_NO_SAVE;
   Channel c{kMemory, nullptr, reinterpret_cast<unsigned char*>(memory), 0, 0};
   return save_image(&c, stream);
 }

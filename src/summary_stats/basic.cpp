@@ -131,7 +131,6 @@ void load_state(const SSTask& t, uint32_t req, Method method, int64_t n, const i
         A.raw[q][k] = field(t.raw_sum[q])[j];
       else if (req & bit(Bit(kRaw2 + q)))
         A.raw[q][k] = field(t.raw_moment[q])[j] * A.W;
-      if (method == Method::Fast) continue;  // derived from the raw sums
       if (req & bit(Bit(kCentralSum2 + q)))
         A.central[q][k] = field(t.central_sum[q])[j];
       else if (req & bit(Bit(kCentral2 + q)))
@@ -147,19 +146,6 @@ void load_state(const SSTask& t, uint32_t req, Method method, int64_t n, const i
                  T(1) / factor, A.cp);
   else
     cp_history = false;  // a correlation alone cannot be continued
-}
-
-// Central sums of the fast method from the mean and the raw moments.
-template <class T>
-void derive_central(Partial<T>& A, int64_t pc, int order) {
-  const T W = A.W;
-  for (int64_t k = 0; k < pc; ++k) {
-    const T m = A.mean[k];
-    const T r2 = A.raw[0][k] / W, r3 = A.raw[1][k] / W, r4 = A.raw[2][k] / W;
-    if (order >= 2) A.central[0][k] = (r2 - m * m) * W;
-    if (order >= 3) A.central[1][k] = ((T(2) * m * m - T(3) * r2) * m + r3) * W;
-    if (order >= 4) A.central[2][k] = (((T(-3) * m * m + T(6) * r2) * m - T(4) * r3) * m + r4) * W;
-  }
 }
 
 // Writes the required estimates from the final state A.
@@ -332,15 +318,13 @@ oxa_status basic(SSTask* task, uint64_t estimates, int64_t method_word) {
     for (int32_t b = 0; b < run.nthreads; ++b)
       if (run.status[b] < 0) return run.status[b];
     // Partial states in observation order, then into the caller's state.
-    const int central = method == Method::Fast ? 0 : plan.central_order;
-    Parts parts{pc, L.ps, plan.raw_order, central, plan.cross_products};
+    Parts parts{pc, L.ps, plan.raw_order, plan.central_order, plan.cross_products};
     for (int32_t b = 1; b < run.nthreads; ++b) merge(run.partials[0], run.partials[b], parts);
     parts.cp = plan.cross_products && cp_history;
     merge(A, run.partials[0], parts);
     if (plan.cross_products && !cp_history)
       for (int64_t a = 0; a < pc; ++a)
         std::memcpy(A.cp + a * L.ps + a, run.partials[0].cp + a * L.ps + a, sizeof(T) * (pc - a));
-    if (method == Method::Fast) derive_central(A, pc, plan.raw_order);
   }
   return store_results(t, req, method, comp, pc, L.ps, p, A);
 }

@@ -6,12 +6,13 @@
 //   block's centre (its mean, or the given mean), sums of w (x - centre)^k and
 //   of w (x_a - c_a)(x_b - c_b) over the cached block (pass 2); the block
 //   state is then merged into the running state (basic_state.hpp), which is
-//   the one-pass update applied a block at a time. The divisions by the
-//   accumulated weight are shared by all components of a block.
-// Accuracy: central sums by two passes within a block, then merged: relative
-//   error at worst about eps (block size + number of blocks), accumulated in
-//   the element type (float data in float); the fast method's derived central
-//   sums lose digits to cancellation when |mean| >> spread.
+//   the one-pass update applied a block at a time. The fast method without
+//   cross-products makes one pass of shifted sums per block instead
+//   (fast_sums.hpp). The divisions by the accumulated weight are shared by
+//   all components of a block.
+// Accuracy: central sums by two passes (or about a shift) within a block,
+//   then merged: relative error at worst about eps (block size + number of
+//   blocks), accumulated in the element type (float data in float).
 // Special: leading zero weights of a fold into an empty state are skipped (the
 //   update factor 1/(W + w) is undefined there); an all-zero-weight block
 //   leaves the state unchanged. NaN and infinity propagate.
@@ -25,6 +26,7 @@
 #include "summary_stats/basic_plan.hpp"
 #include "summary_stats/basic_state.hpp"
 #include "summary_stats/cross_tiles.hpp"
+#include "summary_stats/fast_sums.hpp"
 #include "summary_stats/lanes.hpp"
 
 namespace oxa::ss {
@@ -60,7 +62,7 @@ constexpr int kernel_central_order(Method m, int level) {
   return m == Method::OnePass ? (level == 3   ? 4
                                  : level >= 1 ? 2
                                               : 0)
-         : m == Method::Fast  ? 0
+         : m == Method::Fast  ? (level >= 1 ? level + 1 : 0)
                               : (level == 0   ? 2
                                  : level == 1 ? 3
                                               : 4);
@@ -251,6 +253,101 @@ void block_by_observation(const KernelArgs<T>& a, int64_t i0, int64_t nb, Partia
   }
 }
 
+// Fast-method sums of block [i0, i0 + nb) by component rows about `shift`:
+// B.sum and B.raw[0..2] get the sums of w (x - c)^k, k = 1..R.
+template <class T, bool Weighted, int R>
+void fast_block_by_component(const KernelArgs<T>& a, int64_t i0, int64_t nb, const T* shift,
+                             Partial<T>& B) {
+  const T* w = Weighted ? a.w + i0 : nullptr;
+  for (int64_t k = 0; k < a.pc; ++k) {
+    T t[4] = {};
+    const T* v = a.x + a.comp[k] * a.ld + i0;
+    for (int64_t j = 0; j < nb; j += kFastChunk)  // lane sums flushed every chunk
+      power_sums<R, Weighted>(v + j, Weighted ? w + j : nullptr, std::min(kFastChunk, nb - j),
+                              shift[k], t);
+    B.sum[k] = t[0];
+    for (int q = 1; q < R; ++q) B.raw[q - 1][k] = t[q];
+  }
+}
+
+// The same by observation rows.
+template <class T, bool Weighted, int R>
+void fast_block_by_observation(const KernelArgs<T>& a, int64_t i0, int64_t nb, const T* shift,
+                               Partial<T>& B) {
+  const int64_t pc = a.pc;
+  const T* rows;
+  int64_t ldr;
+  if (a.contiguous) {
+    rows = a.x + i0 * a.ld + a.comp[0];
+    ldr = a.ld;
+  } else {  // gather the selected components into a dense block
+    T* g = a.scratch;
+    for (int64_t i = 0; i < nb; ++i)
+      for (int64_t k = 0; k < pc; ++k) g[i * pc + k] = a.x[(i0 + i) * a.ld + a.comp[k]];
+    rows = g;
+    ldr = pc;
+  }
+  T* const t[4] = {B.sum, B.raw[0], B.raw[1], B.raw[2]};
+  int64_t done = 0;
+  if constexpr (!Weighted)
+    if (ldr == pc) done = shifted_flat<R, T>(rows, nb, pc, shift, t);
+  shifted_row_by_row<R, Weighted, T>(rows, ldr, done, nb, pc, Weighted ? a.w + i0 : nullptr, shift,
+                                     t);
+}
+
+// The fast method without cross-products, observations [i, a.end): one shift
+// for the whole range (fast_sums.hpp), block sums added into range totals
+// (two-level summation; no mean differences between blocks to round), then
+// one finish and one merge into the state. The totals and the shift live at
+// the end of the scratch, past any gathered block.
+template <class T, bool ByObservation, bool Weighted, int R>
+void fast_range(const KernelArgs<T>& a, int64_t i, const Parts& parts) {
+  const int64_t pc = a.pc, ps = a.ps;
+  T* const total = a.scratch + 2 * a.block_size * ps;  // R arrays of ps
+  T* const shift = total + 4 * ps;
+  std::fill(total, shift + ps, T(0));
+  for (int64_t k = 0; k < pc; ++k)
+    shift[k] = fast_shift(*a.state, k,
+                          ByObservation ? a.x[i * a.ld + a.comp[k]] : a.x[a.comp[k] * a.ld + i]);
+  // One pass with nothing cached: long blocks keep each component's read one
+  // long stream. Only a gathered block is bounded by the scratch.
+  const int64_t block_size = !ByObservation ? kFastBlockElements
+                             : a.contiguous && !Weighted
+                                 ? std::max(a.block_size, kFastBlockElements / pc)
+                                 : a.block_size;
+  Partial<T>& B = *a.block;
+  T* const block_memory = B.sum;
+  T W = 0, W2 = 0;
+  for (; i < a.end; i += std::min(block_size, a.end - i)) {
+    const int64_t nb = std::min(block_size, a.end - i);
+    B.bind(block_memory, ps, false);
+    if constexpr (ByObservation)
+      fast_block_by_observation<T, Weighted, R>(a, i, nb, shift, B);
+    else
+      fast_block_by_component<T, Weighted, R>(a, i, nb, shift, B);
+    for (int64_t k = 0; k < pc; ++k) total[k] += B.sum[k];
+    for (int q = 1; q < R; ++q)
+      for (int64_t k = 0; k < pc; ++k) total[q * ps + k] += B.raw[q - 1][k];
+    if constexpr (Weighted) {
+      for (int64_t t = i; t < i + nb; ++t) {
+        W += a.w[t];
+        W2 += a.w[t] * a.w[t];
+      }
+    } else {
+      W += static_cast<T>(nb);
+    }
+  }
+  if (W == 0) return;
+  B.bind(block_memory, ps, false);
+  B.W = W;
+  B.W2 = Weighted ? W2 : W;
+  for (int64_t k = 0; k < pc; ++k) {
+    const T t[4] = {total[k], total[ps + k], total[2 * ps + k], total[3 * ps + k]};
+    finish_shifted<T, R>(B, k, shift[k], t);
+  }
+  merge(*a.state, B, parts);
+}
+
 }  // namespace detail
 
 // The kernel of one (method, storage, weighting, level, cross-product) choice.
@@ -265,6 +362,10 @@ int basic_kernel(const KernelArgs<T>& a) {
       while (i < a.end && a.w[i] == 0) ++i;
   Partial<T>& B = *a.block;
   T* block_memory = B.sum;
+  if constexpr (M == Method::Fast && !CP) {
+    if (i < a.end) detail::fast_range<T, ByObservation, Weighted, R>(a, i, parts);
+    return 0;
+  }
   while (i < a.end) {
     const int64_t nb = std::min(a.block_size, a.end - i);
     B.bind(block_memory, a.ps, CP);

@@ -121,9 +121,10 @@ Plan make_plan(uint32_t required, Method method) {
       plan.raw_order = plan.level == 3 ? 4 : plan.level == 2 ? 2 : 1;
       plan.central_order = plan.level == 3 ? 4 : plan.level >= 1 ? 2 : 0;
       break;
-    case Method::Fast:  // R1___, R12__, R123_, R1234; central sums derived from raw
+    case Method::Fast:  // R1___, R12__, R123_, R1234, with central sums of the same order
       plan.raw_order = std::max(raw, central);
       plan.level = plan.raw_order - 1;
+      plan.central_order = plan.raw_order >= 2 ? plan.raw_order : 0;
       break;
     case Method::GivenMean:  // R____C2__, R____C23_, R____C234, R_234C234
       plan.level = raw >= 2 ? 3 : central <= 2 ? 0 : central - 1;

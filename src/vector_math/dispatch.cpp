@@ -69,7 +69,7 @@ constexpr P first_of(P a, P b, P c) { return first_of(a, first_of(b, c)); }
 #define OXA_VML_LEVEL_H8(t, Func, shape, acc, tag) OXA_VML_KERNEL(t, Func, shape, H8, acc, tag)
 #define OXA_VML_LEVEL_U8(t, Func, shape, acc, tag) OXA_VML_KERNEL(t, Func, shape, U8, acc, tag)
 
-#define OXA_VML_FAMILY(t, Func, shape, la, ha, ep, cost_la, cost_ha, cost_ep) \
+#define OXA_VML_FAMILY(t, Func, shape, la, ha, ep, cost_la, cost_ha, cost_ep, name) \
   namespace oxa::vml::fam {                                                   \
   struct Func;                                                                \
   }                                                                           \
@@ -92,7 +92,7 @@ constexpr P first_of(P a, P b, P c) { return first_of(a, first_of(b, c)); }
     oxa_vml_kernel_##t##Func##_ttab[slot] OXA_VML_ARGS_##shape;                    \
   }
 
-#define OXA_VML_FAMILY(t, Func, shape, la, ha, ep, cost_la, cost_ha, cost_ep)              \
+#define OXA_VML_FAMILY(t, Func, shape, la, ha, ep, cost_la, cost_ha, cost_ep, name)        \
   extern "C" const oxa::vml::ptr_##shape<oxa::vml::elem::t> oxa_vml_kernel_##t##Func##_ttab[3] = { \
       oxa::vml::first_of<oxa::vml::ptr_##shape<oxa::vml::elem::t>>(                         \
           OXA_VML_PTR_##la(t, Func, LA, ynn), OXA_VML_PTR_##ha(t, Func, HA, ynn)),          \

@@ -3,3 +3,4 @@
 
 static_assert(sizeof(oxa_status) == 4);
 static_assert(sizeof(DfThreading) == 5 * sizeof(void*));
+static_assert(sizeof(OxaCpuInfo) == 48);

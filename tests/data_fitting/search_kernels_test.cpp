@@ -80,6 +80,7 @@ struct Api<double> {
       oxa_df_kernel_dDFUniUserDefSearch1D32, oxa_df_kernel_dDFUniUserDefSearch1D64,
       oxa_df_kernel_dDFUniUserDefSearch1D64Pack, oxa_df_kernel_dDFUniUserDefSearch1D};
   static constexpr auto new_task = oxa_df_kernel_dNewTask1D;
+  static constexpr auto search = oxa_df_kernel_dDFSearch1D;
 };
 template <>
 struct Api<float> {
@@ -105,6 +106,7 @@ struct Api<float> {
       oxa_df_kernel_sDFUniUserDefSearch1D32, oxa_df_kernel_sDFUniUserDefSearch1D64,
       oxa_df_kernel_sDFUniUserDefSearch1D64Pack, oxa_df_kernel_sDFUniUserDefSearch1D};
   static constexpr auto new_task = oxa_df_kernel_sNewTask1D;
+  static constexpr auto search = oxa_df_kernel_sDFSearch1D;
 };
 
 // A call-back that guesses wrong on purpose (negative, beyond nx, a few
@@ -234,6 +236,83 @@ TYPED_TEST(SearchKernels, UniformMethodsMatchReference) {
           return std::tuple{cb, static_cast<void*>(&guesser)};
         },
         "uniform user");
+  }
+}
+
+// Uniform partitions whose breakpoints are not binary fractions, and one whose
+// breakpoints are (-3 + i/128) but whose inverse step is not.
+struct EvenCase {
+  double x0, x1;
+  int64_t nx;
+};
+const EvenCase kEvenCases[] = {{-3, 5, 3},          {-3, 5, 7},
+                               {0.1, 0.7, 1000},    {-1.7, 2.9, 100000},
+                               {-3, -3 + 99999.0 / 128, 100000}};
+
+// x0 + i·(x1 − x0)/(nx − 1) in T, left to right; the last one is x1.
+template <class T>
+std::vector<T> even_breakpoints(T x0, T x1, int64_t nx) {
+  std::vector<T> b(static_cast<size_t>(nx));
+  for (int64_t i = 0; i < nx; ++i)
+    b[static_cast<size_t>(i)] = x0 + static_cast<T>(i) * (x1 - x0) / static_cast<T>(nx - 1);
+  b.back() = x1;
+  return b;
+}
+
+// Every value within 2 ulps of every breakpoint, then random sites.
+template <class T>
+std::vector<T> sites_near(const std::vector<T>& b) {
+  std::vector<T> s;
+  std::mt19937_64 g(b.size());
+  std::uniform_real_distribution<double> u(b.front() - 1, b.back() + 1);
+  for (int k = 0; k < 4000; ++k) s.push_back(static_cast<T>(u(g)));
+  for (T v : b) {
+    T lo = v, hi = v;
+    for (int k = 0; k < 2; ++k) lo = std::nextafter(lo, T(-1e30)), hi = std::nextafter(hi, T(1e30));
+    for (T t = lo; t <= hi; t = std::nextafter(t, T(1e30))) s.push_back(t);
+  }
+  return s;
+}
+
+// Sites next to the breakpoints of uniform partitions: the uniform methods
+// (kernels and dispatcher, both widths) and the methods on the breakpoints
+// stored must give the cells of the breakpoints as the partition defines them.
+TYPED_TEST(SearchKernels, UniformCellsNearEveryBreakpoint) {
+  using T = TypeParam;
+  for (const EvenCase& c : kEvenCases) {
+    const std::vector<T> ends{static_cast<T>(c.x0), static_cast<T>(c.x1)};
+    const auto ref = even_breakpoints(ends[0], ends[1], c.nx);
+    const auto sites = sites_near(ref);
+    const T inv = static_cast<T>(c.nx - 1) / (ends[1] - ends[0]);
+    auto with_inv = [&] { return std::tuple{inv}; };
+    check_family(Api<T>::uniform, ends, ref, sites, with_inv, "uniform");
+    check_family(Api<T>::quasi, ref, ref, sites, with_inv, "quasi-uniform on stored");
+    Guesser<T> guesser{&ref, 0};
+    auto user = [&] { return std::tuple{&Guesser<T>::call, static_cast<void*>(&guesser)}; };
+    if (c.nx <= 1000)  // walks from guesses beyond the ends cost nx steps
+      check_family(Api<T>::uni_user, ends, ref, sites, user, "uniform user");
+
+    DfTask* task = nullptr;
+    ASSERT_EQ(Api<T>::new_task(&task, c.nx, ref.data(), DF_X_NON_UNIFORM, 0, nullptr, 0, 0), DF_OK);
+    auto with_bins = [&] { return std::tuple{task->bins, oxa::df::inv_bin_width<T>(*task)}; };
+    check_family(Api<T>::hybrid, ref, ref, sites, with_bins, "hybrid on stored");
+    oxa_df_kernel_DeleteTask(&task);
+
+    ASSERT_EQ(Api<T>::new_task(&task, c.nx, ends.data(), DF_X_UNIFORM, 0, nullptr, 0, 0), DF_OK);
+    const auto n = static_cast<int64_t>(sites.size());
+    std::vector<int32_t> c32(sites.size());
+    std::vector<int64_t> c64(sites.size());
+    ASSERT_EQ(Api<T>::search(task, DF_CELL_32, n, sites.data(), 0, nullptr, c32.data(), nullptr,
+                             nullptr, nullptr),
+              DF_OK);
+    ASSERT_EQ(Api<T>::search(task, DF_CELL_64, n, sites.data(), 0, nullptr, c64.data(), nullptr,
+                             nullptr, nullptr),
+              DF_OK);
+    oxa_df_kernel_DeleteTask(&task);
+    for (size_t i = 0; i < sites.size(); ++i) {
+      ASSERT_EQ(c32[i], reference_cell(ref, sites[i])) << "search nx=" << c.nx << " " << sites[i];
+      ASSERT_EQ(c64[i], c32[i]) << "search nx=" << c.nx << " " << sites[i];
+    }
   }
 }
 

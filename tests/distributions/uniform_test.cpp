@@ -62,7 +62,7 @@ TEST(Uniform, AccurateMethodClampsStandardDoesNot) {
 
 TEST(Uniform, AccurateMethodOnRealGenerators) {
   for (const auto& g : oxa_test::kGenerators) {
-    Stream acc(g.id, {17, 4}), std_(acc);
+    Stream acc(g.id, oxa_test::seeds_for(g, {17, 4})), std_(acc);
     std::vector<double> a(333), b(333);
     ASSERT_EQ(_vsldRngUniform(OXA_RNG_METHOD_ACCURATE, acc.get(), 333, a.data(), 2.0, 2.0), 0);
     for (double v : a) ASSERT_EQ(v, 2.0) << g.name << ": a = b gives a";
@@ -118,6 +118,8 @@ TEST(Uniform, UniformBitsTables) {
       {OXA_BRNG_WH + 100, -1014, -1014}, {4, -1014, -1014},
       {0, -1014, -1014}, {3, 0, 0}, {OXA_BRNG_MCG59, 0, 0},
       {fake_id(), -1014, -1014},
+      {OXA_BRNG_SOBOL, -1014, -1014}, {OXA_BRNG_NIEDERR, -1014, -1014}, {277, -1014, -1014},
+      {278, -1014, -1014},
   };
   for (const Case& c : cases) {
     Stream s(c.id, {1});

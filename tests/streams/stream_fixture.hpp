@@ -35,6 +35,7 @@ struct Generator {
   int32_t words_per_output;  // 32-bit words in one GenBits output
   bool leapfrog;
   bool skipahead;
+  uint32_t dimension = 0;  // quasi-random rows: seeded with this dimension alone
 };
 
 inline const Generator kGenerators[] = {
@@ -44,7 +45,18 @@ inline const Generator kGenerators[] = {
     {"MCG59", OXA_BRNG_MCG59, 2, true, true},
     {"WH", OXA_BRNG_WH, 4, true, true},
     {"WH set 137", OXA_BRNG_WH + 137, 4, true, true},
+    {"MT19937", OXA_BRNG_MT19937, 1, false, true},
+    // Skips only by stepping (bounded counts): tested on its own.
+    {"SFMT19937", OXA_BRNG_SFMT19937, 1, false, false},
+    // Leapfrog only to one component and no zero-length skip: tested on their own.
+    {"SOBOL", OXA_BRNG_SOBOL, 1, false, false, 3},
+    {"NIEDERR", OXA_BRNG_NIEDERR, 1, false, false, 5},
 };
+
+// The seed words of g in a generic test: the given ones, or g's dimension.
+inline std::vector<uint32_t> seeds_for(const Generator& g, std::vector<uint32_t> seeds) {
+  return g.dimension ? std::vector<uint32_t>{g.dimension} : seeds;
+}
 
 inline std::vector<uint32_t> bits(const Stream& s, int32_t n, int32_t words_per_output) {
   std::vector<uint32_t> r(static_cast<size_t>(n) * words_per_output + 1);

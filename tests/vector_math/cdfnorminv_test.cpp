@@ -1,6 +1,6 @@
-// Behaviour of the inverse normal CDF kernels: special values and statuses,
-// the reported elements, symmetry, the fast-range boundary, the far tail and
-// the dispatch entries.
+// Behaviour of the inverse normal CDF kernels beyond special_values.txt: the
+// reported elements, symmetry, the fast-range boundary, the far tail and the
+// control word.
 #include <gtest/gtest.h>
 #include <immintrin.h>
 
@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "oxa/vector_math.h"
-#include "vector_math/edge_value_harness.hpp"
+#include "vector_math/vml_test_support.hpp"
 
 namespace {
 
@@ -27,29 +27,6 @@ const Named<double> kDouble[] = {{"dHA", oxa_vml_kernel_dCdfNormInv_E9HAynn},
 const Named<float> kSingle[] = {{"sHA", oxa_vml_kernel_sCdfNormInv_E9HAynn},
                                 {"sLA", oxa_vml_kernel_sCdfNormInv_E9LAynn},
                                 {"sEP", oxa_vml_kernel_sCdfNormInv_E9EPnnn}};
-
-template <class T>
-std::vector<oxa::test::SpecialCase<T>> special_cases() {
-  constexpr T inf = std::numeric_limits<T>::infinity(), nan = std::numeric_limits<T>::quiet_NaN();
-  return {{T(0.5), T(0), 0},        {T(0), -inf, 2},           {-T(0), -inf, 2},
-          {T(1), inf, 2},           {T(1.5), nan, 1},          {T(-0.1), nan, 1},
-          {inf, nan, 1},            {-inf, nan, 1},            {nan, nan, 0},
-          {-nan, nan, 0}};
-}
-
-template <class T>
-std::vector<T> ordinary(int n) {
-  std::vector<T> v;
-  for (int i = 0; i < n; ++i) v.push_back(T(0.03) + T(0.94) * T(i) / T(n));
-  return v;
-}
-
-TEST(CdfNormInv, SpecialValuesAndStatusesInEveryPosition) {
-  for (const auto& k : kDouble)
-    oxa::test::check_specials<double>(k.name, k.kernel, special_cases<double>(), ordinary<double>(13));
-  for (const auto& k : kSingle)
-    oxa::test::check_specials<float>(k.name, k.kernel, special_cases<float>(), ordinary<float>(29));
-}
 
 // Every offending element is reported in index order with its own status.
 TEST(CdfNormInv, ReportsEachOffendingElementInOrder) {
@@ -130,37 +107,6 @@ TEST(CdfNormInv, CentreOfTheFirstPieceGivesTheLeadingCoefficient) {
   EXPECT_EQ(r, -0x1p-6 * 1.2533942533804652);
   oxa_vml_kernel_dCdfNormInv_E9LAynn(1, &x_la, &r);
   EXPECT_EQ(r, -0x1p-4 * 1.2545986037297951);
-}
-
-// Each stub gives the results of the kernel in its slot.
-template <class T>
-void expect_stubs_forward(const std::vector<std::pair<void (*)(int64_t, const T*, T*), oxa::test::Kernel<T>>>& pairs) {
-  const T a[3] = {T(0.1), T(0.7), T(1e-3)};
-  for (const auto& [stub, kernel] : pairs) {
-    T got[3], want[3];
-    stub(3, a, got), kernel(3, a, want);
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(got[i], want[i]);
-  }
-}
-
-TEST(CdfNormInv, DispatchTableCostsAndStubs) {
-  EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ttab[0], &oxa_vml_kernel_dCdfNormInv_E9LAynn);
-  EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ttab[1], &oxa_vml_kernel_dCdfNormInv_E9HAynn);
-  EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ttab[2], &oxa_vml_kernel_dCdfNormInv_E9EPnnn);
-  EXPECT_EQ(oxa_vml_kernel_sCdfNormInv_ttab[0], &oxa_vml_kernel_sCdfNormInv_E9LAynn);
-  EXPECT_EQ(oxa_vml_kernel_sCdfNormInv_ttab[1], &oxa_vml_kernel_sCdfNormInv_E9HAynn);
-  EXPECT_EQ(oxa_vml_kernel_sCdfNormInv_ttab[2], &oxa_vml_kernel_sCdfNormInv_E9EPnnn);
-  EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ctab[0], 2.0f);
-  EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ctab[1], 3.0f);
-  EXPECT_EQ(oxa_vml_kernel_dCdfNormInv_ctab[2], 1.0f);
-  expect_stubs_forward<double>({{_vmldCdfNormInv, oxa_vml_kernel_dCdfNormInv_E9HAynn},
-                                {_vmldCdfNormInv_HA, oxa_vml_kernel_dCdfNormInv_E9HAynn},
-                                {_vmldCdfNormInv_50, oxa_vml_kernel_dCdfNormInv_E9LAynn},
-                                {_vmldCdfNormInv_26, oxa_vml_kernel_dCdfNormInv_E9EPnnn}});
-  expect_stubs_forward<float>({{_vmlsCdfNormInv, oxa_vml_kernel_sCdfNormInv_E9HAynn},
-                               {_vmlsCdfNormInv_HA, oxa_vml_kernel_sCdfNormInv_E9HAynn},
-                               {_vmlsCdfNormInv_21, oxa_vml_kernel_sCdfNormInv_E9LAynn},
-                               {_vmlsCdfNormInv_11, oxa_vml_kernel_sCdfNormInv_E9EPnnn}});
 }
 
 // These kernels neither read nor write the control word: results computed

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "oxa/vector_math.h"
-#include "vector_math/edge_value_harness.hpp"
+#include "vector_math/vml_test_support.hpp"
 
 namespace oxa::test {
 

@@ -1,6 +1,5 @@
-// Behaviour of the exponential kernels: special values and statuses in every
-// block position, subnormal results under both denormal modes, the dispatch
-// slots (dExp has no EP kernel).
+// Behaviour of the exponential kernels beyond special_values.txt: the largest
+// finite results, subnormal results under both denormal modes.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -16,24 +15,6 @@ const Named<double> kDouble[] = {{"dHA", oxa_vml_kernel_dExp_E9HAynn}, {"dLA", o
 const Named<float> kSingle[] = {{"sHA", oxa_vml_kernel_sExp_E9HAynn},
                                 {"sLA", oxa_vml_kernel_sExp_E9LAynn},
                                 {"sEP", oxa_vml_kernel_sExp_E9EPnnn}};
-
-// Overflow threshold ln(max) and underflow-to-zero threshold per type.
-template <class T>
-std::vector<oxa::test::SpecialCase<T>> special_cases(T over, T zero_below) {
-  constexpr T inf = std::numeric_limits<T>::infinity(), nan = std::numeric_limits<T>::quiet_NaN();
-  return {{T(0), T(1), 0},       {-T(0), T(1), 0},          {inf, inf, 0},          {-inf, T(0), 0},
-          {nan, nan, 0},         {over, inf, 3},            {T(1e30), inf, 3},      {zero_below, T(0), 4},
-          {T(-1e30), T(0), 4}};
-}
-
-TEST(Exp, SpecialValuesAndStatusesInEveryPosition) {
-  for (const auto& k : kDouble)
-    oxa::test::check_specials<double>(k.name, k.kernel, special_cases<double>(709.79, -745.2),
-                                      oxa::test::ordinary<double>(13));
-  for (const auto& k : kSingle)
-    oxa::test::check_specials<float>(k.name, k.kernel, special_cases<float>(88.73f, -104.0f),
-                                     oxa::test::ordinary<float>(29));
-}
 
 // Largest finite results stay finite and silent; subnormal results report
 // underflow, and are flushed to +0 when the mode flushes denormals.
@@ -62,14 +43,6 @@ void check_range_edges(const char* name, oxa::test::Kernel<T> kernel, T largest,
 TEST(Exp, RangeEdgesAndDenormalMode) {
   for (const auto& k : kDouble) check_range_edges<double>(k.name, k.kernel, 709.7827128933839, -740.0);
   for (const auto& k : kSingle) check_range_edges<float>(k.name, k.kernel, 88.72283f, -100.0f);
-}
-
-// dExp has no EP kernel: its EP slot holds LA.
-TEST(Exp, DispatchSlots) {
-  EXPECT_EQ(oxa_vml_kernel_dExp_ttab[0], &oxa_vml_kernel_dExp_E9LAynn);
-  EXPECT_EQ(oxa_vml_kernel_dExp_ttab[1], &oxa_vml_kernel_dExp_E9HAynn);
-  EXPECT_EQ(oxa_vml_kernel_dExp_ttab[2], &oxa_vml_kernel_dExp_E9LAynn);
-  EXPECT_EQ(oxa_vml_kernel_sExp_ttab[2], &oxa_vml_kernel_sExp_E9EPnnn);
 }
 
 }  // namespace

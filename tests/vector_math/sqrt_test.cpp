@@ -1,6 +1,6 @@
-// Behaviour of the square-root and reciprocal-square-root kernels: special
-// values and statuses in every position, the scaled ranges of the scalar
-// routine and the denormal field of the mode.
+// Behaviour of the square-root and reciprocal-square-root kernels beyond
+// special_values.txt: the scaled ranges of the scalar routine and the
+// denormal field of the mode.
 #include <gtest/gtest.h>
 
 #include <cfloat>
@@ -9,12 +9,11 @@
 #include <vector>
 
 #include "oxa/vector_math.h"
-#include "vector_math/edge_value_harness.hpp"
+#include "vector_math/vml_test_support.hpp"
 
 namespace {
 
 using oxa::test::Kernel;
-using oxa::test::SpecialCase;
 
 template <class T>
 struct Family {
@@ -27,47 +26,11 @@ const Family<float> kSqrtS{"sSqrt", {oxa_vml_kernel_sSqrt_E9HAynn, oxa_vml_kerne
 const Family<double> kInvD{"dInvSqrt", {oxa_vml_kernel_dInvSqrt_E9HAynn, oxa_vml_kernel_dInvSqrt_E9LAynn, oxa_vml_kernel_dInvSqrt_E9EPnnn}};
 const Family<float> kInvS{"sInvSqrt", {oxa_vml_kernel_sInvSqrt_E9HAynn, oxa_vml_kernel_sInvSqrt_E9LAynn, oxa_vml_kernel_sInvSqrt_E9EPnnn}};
 
-template <class T>
-std::vector<T> ordinary(int n) {
-  std::vector<T> v;
-  for (int i = 0; i < n; ++i) v.push_back(T(0.3) + T(7.1) * T(i));
-  return v;
-}
-
 // The smallest subnormal with an even exponent, and its exact root.
 template <class T>
 constexpr T kTinyEven = sizeof(T) == 8 ? T(0x1p-1074) : T(0x1p-148);
 template <class T>
 constexpr T kTinyEvenRoot = sizeof(T) == 8 ? T(0x1p-537) : T(0x1p-74);
-
-// Exact results only, so that every level must give them: they go through the
-// scalar routine (EP) or are correctly rounded (HA, LA).
-template <class T>
-std::vector<SpecialCase<T>> sqrt_cases() {
-  constexpr T inf = std::numeric_limits<T>::infinity(), nan = std::numeric_limits<T>::quiet_NaN();
-  return {{T(-1), nan, 1},     {-inf, nan, 1},   {-kTinyEven<T>, nan, 1},
-          {T(0), T(0), 0},     {-T(0), -T(0), 0}, {inf, inf, 0},
-          {nan, nan, 0},       {kTinyEven<T>, kTinyEvenRoot<T>, 0}};
-}
-
-template <class T>
-std::vector<SpecialCase<T>> invsqrt_cases() {
-  constexpr T inf = std::numeric_limits<T>::infinity(), nan = std::numeric_limits<T>::quiet_NaN();
-  return {{T(0), inf, 2},  {-T(0), -inf, 2}, {T(-1), nan, 1}, {-inf, nan, 1},
-          {-kTinyEven<T>, nan, 1}, {inf, T(0), 0}, {nan, nan, 0},
-          {kTinyEven<T>, T(1) / kTinyEvenRoot<T>, 0},
-          {std::numeric_limits<T>::max_exponent == 1024 ? T(0x1p1022) : T(0x1p126),
-           std::numeric_limits<T>::max_exponent == 1024 ? T(0x1p-511) : T(0x1p-63), 0}};
-}
-
-TEST(Sqrt, SpecialValuesAndStatusesInEveryPosition) {
-  for (int level = 0; level < 3; ++level) {
-    oxa::test::check_specials<double>(kSqrtD.name, kSqrtD.kernels[level], sqrt_cases<double>(), ordinary<double>(13));
-    oxa::test::check_specials<float>(kSqrtS.name, kSqrtS.kernels[level], sqrt_cases<float>(), ordinary<float>(29));
-    oxa::test::check_specials<double>(kInvD.name, kInvD.kernels[level], invsqrt_cases<double>(), ordinary<double>(13));
-    oxa::test::check_specials<float>(kInvS.name, kInvS.kernels[level], invsqrt_cases<float>(), ordinary<float>(29));
-  }
-}
 
 // 1/sqrt(4^k) = 2^-k exactly, across the whole exponent range: the fast path,
 // both scaled ranges of the scalar routine and the seams between them.

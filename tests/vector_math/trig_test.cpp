@@ -1,6 +1,6 @@
-// Behaviour of the Sin, Cos, SinCos and Tan kernels: special values and
-// statuses in every position, the denormal field of the mode, the dispatch
-// entries, and the exact reduction of huge arguments against MPFR.
+// Behaviour of the Sin, Cos, SinCos and Tan kernels beyond
+// special_values.txt: SinCos's error reports, the denormal field of the mode
+// and the exact reduction of huge arguments against MPFR.
 #include <gtest/gtest.h>
 #include <mpfr.h>
 
@@ -11,14 +11,13 @@
 #include <vector>
 
 #include "oxa/vector_math.h"
-#include "vector_math/edge_value_harness.hpp"
+#include "vector_math/vml_test_support.hpp"
 
 extern "C" int32_t oxa_vml_kernel_reduce_pio2d(double x, double* r);
 
 namespace {
 
 using oxa::test::Kernel;
-using oxa::test::SpecialCase;
 
 template <class T, void (*K)(int64_t, const T*, T*, T*), int Which>
 void one_of(int64_t n, const T* a, T* r) {
@@ -51,29 +50,6 @@ const Named<float> kSingle[] = {
     {"sTanHA", oxa_vml_kernel_sTan_E7HAynn, false}, {"sTanEP", oxa_vml_kernel_sTan_E9EPnnn, false},
     {"sSinCosLA.sin", one_of<float, oxa_vml_kernel_sSinCos_E9LAynn, 0>, false},
     {"sSinCosLA.cos", one_of<float, oxa_vml_kernel_sSinCos_E9LAynn, 1>, true}};
-
-template <class T>
-std::vector<SpecialCase<T>> special_cases(bool is_cos) {
-  constexpr T inf = std::numeric_limits<T>::infinity(), nan = std::numeric_limits<T>::quiet_NaN();
-  const T one = T(1);
-  return {{T(0), is_cos ? one : T(0), 0}, {-T(0), is_cos ? one : -T(0), 0},
-          {inf, nan, 1},                  {-inf, nan, 1},
-          {nan, nan, 0},                  {-nan, nan, 0}};
-}
-
-template <class T>
-std::vector<T> ordinary(int n) {
-  std::vector<T> v;
-  for (int i = 0; i < n; ++i) v.push_back(T(-40) + T(80.5) * T(i) / T(n));
-  return v;
-}
-
-TEST(Trig, SpecialValuesAndStatusesInEveryPosition) {
-  for (const auto& k : kDouble)
-    oxa::test::check_specials<double>(k.name, k.kernel, special_cases<double>(k.is_cos), ordinary<double>(13));
-  for (const auto& k : kSingle)
-    oxa::test::check_specials<float>(k.name, k.kernel, special_cases<float>(k.is_cos), ordinary<float>(29));
-}
 
 // Infinities in both outputs of SinCos: each reported once, with the kernel's
 // error name and both results NaN.
@@ -126,22 +102,6 @@ TEST(Trig, DenormalsFollowTheMode) {
     EXPECT_EQ(r[0], 1.0);
     oxa_vml_kernel_SetMode(saved);
   }
-}
-
-// The dispatch tables and stubs reach the kernel of each level.
-TEST(Trig, DispatchSlotsAndStubs) {
-  EXPECT_EQ(oxa_vml_kernel_dSin_ttab[0], &oxa_vml_kernel_dSin_E9LAynn);
-  EXPECT_EQ(oxa_vml_kernel_dSin_ttab[1], &oxa_vml_kernel_dSin_E9HAynn);
-  EXPECT_EQ(oxa_vml_kernel_dSin_ttab[2], &oxa_vml_kernel_dSin_E9EPnnn);
-  EXPECT_EQ(oxa_vml_kernel_sTan_ttab[1], &oxa_vml_kernel_sTan_E7HAynn);
-  EXPECT_EQ(oxa_vml_kernel_dSinCos_ttab[2], &oxa_vml_kernel_dSinCos_E9EPnnn);
-  const double x = 0.3;
-  double a, b, c1, c2;
-  _vmldCos_26(1, &x, &a);
-  oxa_vml_kernel_dCos_E9EPnnn(1, &x, &b);
-  EXPECT_EQ(a, b);
-  _vmldSinCos(1, &x, &c1, &c2);
-  EXPECT_EQ(c2, std::cos(0.3));
 }
 
 // The exact reduction: x - k pi/2 against MPFR for random doubles of every

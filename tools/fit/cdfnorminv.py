@@ -27,6 +27,9 @@ import sys
 from mpmath import mp, mpf, erfc, exp, sqrt, pi, log, cos, lu_solve, matrix, ldexp, floor
 
 mp.prec = 160
+# c3, c4, c5 of ln(1 + u) = u - u^2/2 + c3 u^3 + c4 u^4 + c5 u^5 + c6 u^6 on
+# |u| <= 2^-8 (c6 is fitted below, with these fixed).
+LOG_C345 = (0.33333333333145093, -0.2499999999965227, 0.20000103714740713)
 
 def ninv(p):
     """Phi^-1(p) for 0 < p <= 1/2 by Halley iteration on erfc."""
@@ -219,16 +222,24 @@ def main():
     print()
     # c6 of the logarithm polynomial: least-squares fit of the remainder of
     # ln(1+u) after the fixed lower terms, over |u| <= 2^-8.
+    c3, c4, c5 = (mpf(c) for c in LOG_C345)
     num = den = mpf(0)
     for k in range(-64, 65):
         u = ldexp(mpf(k), -14)
         if u == 0:
             continue
-        rem = log(1 + u) - (u + u * u * (mpf(-0.5) + mpf(0.33333333333145093) * u) +
-                           u ** 4 * (mpf(-0.2499999999965227) + mpf(0.20000103714740713) * u))
+        rem = log(1 + u) - (u + u * u * (mpf(-0.5) + c3 * u) + u ** 4 * (c4 + c5 * u))
         num += rem * u ** 6
         den += u ** 12
     print(f"constexpr double kLogC6 = {hexf(num / den)};")
+    # The fixed lower terms, and ln 2 as a head of 32 significant bits (e * head
+    # is exact for the exponents of a double) and the rounded rest, for the
+    # far tail's logarithm (cdfnorminv_tail.cpp).
+    for i, c in enumerate(LOG_C345):
+        print(f"constexpr double kLogC{i + 3} = {hexf(c)};")
+    ln2_hi = floor(log(2) * 2 ** 32) / 2 ** 32
+    print(f"constexpr double kTailLn2Hi = {hexf(ln2_hi)};")
+    print(f"constexpr double kTailLn2Lo = {hexf(log(2) - ln2_hi)};")
     sys.stdout.flush()
     for name, rows in (("EP", ep), ("LA", la)):
         worst = max(e for _, e, _, _ in rows)

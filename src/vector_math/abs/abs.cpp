@@ -20,7 +20,6 @@ struct Policy<fam::Abs, T, A> {
   [[gnu::always_inline]] static V vector(V a) { return simd::abs(a); }
 };
 
-template void kernel_in1_out1<fam::Abs, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Abs, float, Acc::HA>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/abs/abs_kernels.inc"

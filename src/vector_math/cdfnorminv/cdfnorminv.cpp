@@ -254,11 +254,6 @@ struct Policy<fam::CdfNormInv, T, A> {
   }
 };
 
-template void kernel_in1_out1<fam::CdfNormInv, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::CdfNormInv, double, Acc::LA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::CdfNormInv, double, Acc::EP>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::CdfNormInv, float, Acc::HA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::CdfNormInv, float, Acc::LA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::CdfNormInv, float, Acc::EP>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/cdfnorminv/cdfnorminv_kernels.inc"

@@ -27,7 +27,8 @@ extern const double sCdfNormInv_LA_Table[2971];
 extern const float sCdfNormInv_EP_Table[2027];
 extern const double dCdfNormInv_Tail_Table[352];
 extern const double dCdfNormInv_Log_Table[512];
-extern const double kLogC6;
+// The far tail's logarithm: polynomial coefficients and ln 2 = hi + lo.
+extern const double kLogC3, kLogC4, kLogC5, kLogC6, kTailLn2Hi, kTailLn2Lo;
 
 namespace norm_rows {
 

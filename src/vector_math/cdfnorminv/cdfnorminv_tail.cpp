@@ -17,9 +17,6 @@ namespace {
 
 using D2 = dd::DD<double>;
 
-constexpr double kLn2Hi = 0x1.62e42feep-1;  // 32 significant bits: e * kLn2Hi is exact
-constexpr double kLn2Lo = 0x1.a39ef35793c76p-33;
-
 // ln x for a positive finite x, as a double-double (relative error ~2^-70
 // for the |ln x| > 37 used here).
 D2 log_dd(double x) {
@@ -37,12 +34,11 @@ D2 log_dd(double x) {
   const double u = std::fma(m, r, -1.0);  // |u| < 2^-8; rounding 2^-61 absolute
   const double u2 = u * u;
   // ln(1 + u) - u, error below 2^-60 absolute.
-  const double p = u2 * (-0.5 + 0x1.555555554d0dfp-2 * u) +
-                   u2 * u2 * (-0x1.ffffffffe169dp-3 + 0x1.999a24cdb6abcp-3 * u + kLogC6 * u2);
+  const double p = u2 * (-0.5 + kLogC3 * u) + u2 * u2 * (kLogC4 + kLogC5 * u + kLogC6 * u2);
   const double ed = e;
-  const D2 a = dd::two_sum(ed * kLn2Hi, minus_ln_r);
+  const D2 a = dd::two_sum(ed * kTailLn2Hi, minus_ln_r);
   const D2 b2 = dd::two_sum(a.hi, u);
-  return dd::fast_two_sum(b2.hi, b2.lo + a.lo + (ed * kLn2Lo + p));
+  return dd::fast_two_sum(b2.hi, b2.lo + a.lo + (ed * kTailLn2Lo + p));
 }
 
 }  // namespace

@@ -19,7 +19,6 @@ struct Policy<fam::Ceil, T, A> {
   [[gnu::always_inline]] static V vector(V a) { return simd::ceil(a); }
 };
 
-template void kernel_in1_out1<fam::Ceil, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Ceil, float, Acc::HA>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/ceil/ceil_kernels.inc"

@@ -24,11 +24,6 @@ struct Policy<fam::Cos, T, A> : trig::TrigPolicy<TrigOut::Cos, T, A> {
   static int32_t scalar(const T* a, T* r) { return trig_rare<T>(TrigOut::Cos, a, r, r); }
 };
 
-template void kernel_in1_out1<fam::Cos, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Cos, double, Acc::LA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Cos, double, Acc::EP>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Cos, float, Acc::HA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::Cos, float, Acc::LA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::Cos, float, Acc::EP>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/cos/cos_kernels.inc"

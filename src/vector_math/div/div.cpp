@@ -32,11 +32,6 @@ struct Policy<fam::Div, T, A> {
   }
 };
 
-template void kernel_in2_out1<fam::Div, double, Acc::HA>(int64_t, const double*, const double*, double*);
-template void kernel_in2_out1<fam::Div, double, Acc::LA>(int64_t, const double*, const double*, double*);
-template void kernel_in2_out1<fam::Div, double, Acc::EP>(int64_t, const double*, const double*, double*);
-template void kernel_in2_out1<fam::Div, float, Acc::HA>(int64_t, const float*, const float*, float*);
-template void kernel_in2_out1<fam::Div, float, Acc::LA>(int64_t, const float*, const float*, float*);
-template void kernel_in2_out1<fam::Div, float, Acc::EP>(int64_t, const float*, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/div/div_kernels.inc"

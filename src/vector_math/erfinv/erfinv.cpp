@@ -113,11 +113,6 @@ struct Policy<fam::ErfInv, T, A> {
   }
 };
 
-template void kernel_in1_out1<fam::ErfInv, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::ErfInv, double, Acc::LA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::ErfInv, double, Acc::EP>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::ErfInv, float, Acc::HA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::ErfInv, float, Acc::LA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::ErfInv, float, Acc::EP>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/erfinv/erfinv_kernels.inc"

@@ -19,7 +19,6 @@ struct Policy<fam::Floor, T, A> {
   [[gnu::always_inline]] static V vector(V a) { return simd::floor(a); }
 };
 
-template void kernel_in1_out1<fam::Floor, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Floor, float, Acc::HA>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/floor/floor_kernels.inc"

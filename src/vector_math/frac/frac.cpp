@@ -22,7 +22,6 @@ struct Policy<fam::Frac, T, A> {
   [[gnu::always_inline]] static V vector(V a) { return rounding::frac(a); }
 };
 
-template void kernel_in1_out1<fam::Frac, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Frac, float, Acc::HA>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/frac/frac_kernels.inc"

@@ -10,8 +10,10 @@
 //   * special lanes: the family's integer test on the inputs gives a lane mask;
 //     those lanes are replaced by the safe input before the vector formula runs
 //     (so table lookups never see them), then settled one by one, lowest first,
-//     by the family's scalar routine; a nonzero status goes to the error
-//     routine, which may replace the element. A family whose formula is safe
+//     by the family's scalar routine (called out of line: it is large and
+//     rare, and inlined it would weigh on every call's fixed cost); a
+//     nonzero status goes to the error routine, which may replace the
+//     element. A family whose formula is safe
 //     on any input (it clamps its own table indices) sets
 //     kFormulaTakesAnyInput and saves the replacement, which lies on the
 //     critical path of every block.
@@ -43,6 +45,7 @@
 #include <cstring>
 
 #include "oxa/vector_math.h"
+#include "primitives/control_word.hpp"
 #include "vector_math/frame/errors.hpp"
 #include "vector_math/frame/kernel.hpp"
 #include "vector_math/frame/simd.hpp"
@@ -57,14 +60,14 @@ class ControlWordScope {
     if (!active) return;
     const uint32_t wanted =
         (current_mode() & OXA_VML_DENORMAL_MASK) == OXA_VML_DENORMAL_FLUSH ? 0x8040u : 0u;
-    saved_ = _mm_getcsr();
+    saved_ = prim::read_control_word();
     if ((saved_ & 0xE040u) != wanted) {
-      _mm_setcsr((saved_ & 0xFFFF1FBFu) | wanted);
+      prim::write_control_word((saved_ & 0xFFFF1FBFu) | wanted);
       changed_ = true;
     }
   }
   [[gnu::always_inline]] ~ControlWordScope() {
-    if (changed_) _mm_setcsr(saved_);
+    if (changed_) prim::write_control_word(saved_);
   }
   ControlWordScope(const ControlWordScope&) = delete;
   ControlWordScope& operator=(const ControlWordScope&) = delete;
@@ -148,7 +151,7 @@ inline void store_group(T* p, Vec<T, Isa> x, int g) {
 template <class T, class Isa>
 inline void restore_lanes(T* out, const T* in, int32_t i, Vec<T, Isa> x, unsigned bits) {
   if (out != in || bits == 0) return;
-  alignas(64) T lanes[Vec<T, Isa>::kLanes];
+  alignas(sizeof(Vec<T, Isa>)) T lanes[Vec<T, Isa>::kLanes];
   simd::store(lanes, x);
   for (; bits != 0; bits &= bits - 1) out[i + __builtin_ctz(bits)] = lanes[__builtin_ctz(bits)];
 }
@@ -180,7 +183,7 @@ struct In1Out1 {
     }
   }
   void restore(int32_t i, const Lanes& x, unsigned bits) const { restore_lanes(r, a, i, x.a, bits); }
-  void settle(int32_t i) const {
+  [[gnu::noinline, gnu::cold]] void settle(int32_t i) const {
     if constexpr (has_special_lanes<P>())
       if (const int32_t s = P::scalar(a + i, r + i); s != 0) report_error<T>(s, i, a, a, r, r, name);
   }
@@ -207,7 +210,7 @@ struct In2Out1 {
     restore_lanes(r, a, i, x.a, bits);
     restore_lanes(r, b, i, x.b, bits);
   }
-  void settle(int32_t i) const {
+  [[gnu::noinline, gnu::cold]] void settle(int32_t i) const {
     if constexpr (has_special_lanes<P>())
       if (const int32_t s = P::scalar(a + i, b + i, r + i); s != 0) report_error<T>(s, i, a, b, r, r, name);
   }
@@ -231,7 +234,7 @@ struct In1ScalarOut1 {
     store_group(r + i, y, g);
   }
   void restore(int32_t i, const Lanes& x, unsigned bits) const { restore_lanes(r, a, i, x.a, bits); }
-  void settle(int32_t i) const {
+  [[gnu::noinline, gnu::cold]] void settle(int32_t i) const {
     if (const int32_t s = P::scalar(a + i, &b, r + i); s != 0)
       report_error_site<T>({s, i, a, a[i], b, r, r, name});
   }
@@ -258,7 +261,7 @@ struct In1Out2 {
     restore_lanes(r1, a, i, x.a, bits);
     restore_lanes(r2, a, i, x.a, bits);
   }
-  void settle(int32_t i) const {
+  [[gnu::noinline, gnu::cold]] void settle(int32_t i) const {
     if constexpr (has_special_lanes<P>())
       if (const int32_t s = P::scalar(a + i, r1 + i, r2 + i); s != 0)
         report_error<T>(s, i, a, a, r1, r2, name);

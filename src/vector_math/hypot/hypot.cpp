@@ -83,14 +83,6 @@ struct Policy<fam::Hypot, T, A> {
   }
 };
 
-#define OXA_VML_INSTANTIATE(T, L) \
-  template void kernel_in2_out1<fam::Hypot, T, Acc::L>(int64_t, const T*, const T*, T*);
-OXA_VML_INSTANTIATE(double, HA)
-OXA_VML_INSTANTIATE(double, LA)
-OXA_VML_INSTANTIATE(double, EP)
-OXA_VML_INSTANTIATE(float, HA)
-OXA_VML_INSTANTIATE(float, LA)
-OXA_VML_INSTANTIATE(float, EP)
-#undef OXA_VML_INSTANTIATE
-
 }  // namespace oxa::vml
+
+#include "vector_math/hypot/hypot_kernels.inc"

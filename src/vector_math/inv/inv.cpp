@@ -29,11 +29,6 @@ struct Policy<fam::Inv, T, A> {
   }
 };
 
-template void kernel_in1_out1<fam::Inv, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Inv, double, Acc::LA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Inv, double, Acc::EP>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Inv, float, Acc::HA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::Inv, float, Acc::LA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::Inv, float, Acc::EP>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/inv/inv_kernels.inc"

@@ -80,11 +80,6 @@ struct Policy<fam::InvSqrt, T, A> {
   }
 };
 
-template void kernel_in1_out1<fam::InvSqrt, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::InvSqrt, double, Acc::LA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::InvSqrt, double, Acc::EP>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::InvSqrt, float, Acc::HA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::InvSqrt, float, Acc::LA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::InvSqrt, float, Acc::EP>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/invsqrt/invsqrt_kernels.inc"

@@ -61,9 +61,6 @@ struct Policy<fam::LinearFrac, T, A> {
   }
 };
 
-template void kernel_linear_frac<fam::LinearFrac, double, Acc::HA>(int64_t, const double*, const double*, double,
-                                                                   double, double, double, double*);
-template void kernel_linear_frac<fam::LinearFrac, float, Acc::HA>(int64_t, const float*, const float*, float,
-                                                                  float, float, float, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/linearfrac/linearfrac_kernels.inc"

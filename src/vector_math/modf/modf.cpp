@@ -23,7 +23,6 @@ struct Policy<fam::Modf, T, A> {
   }
 };
 
-template void kernel_in1_out2<fam::Modf, double, Acc::HA>(int64_t, const double*, double*, double*);
-template void kernel_in1_out2<fam::Modf, float, Acc::HA>(int64_t, const float*, float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/modf/modf_kernels.inc"

@@ -21,7 +21,6 @@ struct Policy<fam::NearbyInt, T, A> {
   [[gnu::always_inline]] static V vector(V a) { return simd::nearbyint(a); }
 };
 
-template void kernel_in1_out1<fam::NearbyInt, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::NearbyInt, float, Acc::HA>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/nearbyint/nearbyint_kernels.inc"

@@ -199,11 +199,6 @@ struct Policy<fam::Powx, T, A> {
   }
 };
 
-template void kernel_in1_scalar_out1<fam::Powx, double, Acc::HA>(int64_t, const double*, double, double*);
-template void kernel_in1_scalar_out1<fam::Powx, double, Acc::LA>(int64_t, const double*, double, double*);
-template void kernel_in1_scalar_out1<fam::Powx, double, Acc::EP>(int64_t, const double*, double, double*);
-template void kernel_in1_scalar_out1<fam::Powx, float, Acc::HA>(int64_t, const float*, float, float*);
-template void kernel_in1_scalar_out1<fam::Powx, float, Acc::LA>(int64_t, const float*, float, float*);
-template void kernel_in1_scalar_out1<fam::Powx, float, Acc::EP>(int64_t, const float*, float, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/powx/powx_kernels.inc"

@@ -23,7 +23,6 @@ struct Policy<fam::Rint, T, A> {
   [[gnu::always_inline]] static V vector(V a) { return simd::rint(a); }
 };
 
-template void kernel_in1_out1<fam::Rint, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Rint, float, Acc::HA>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/rint/rint_kernels.inc"

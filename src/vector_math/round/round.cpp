@@ -22,7 +22,6 @@ struct Policy<fam::Round, T, A> {
   [[gnu::always_inline]] static V vector(V a) { return rounding::round_half_away(a); }
 };
 
-template void kernel_in1_out1<fam::Round, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Round, float, Acc::HA>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/round/round_kernels.inc"

@@ -24,11 +24,6 @@ struct Policy<fam::SinCos, T, A> : trig::TrigPolicy<TrigOut::SinCos, T, A> {
   static int32_t scalar(const T* a, T* r1, T* r2) { return trig_rare<T>(TrigOut::SinCos, a, r1, r2); }
 };
 
-template void kernel_in1_out2<fam::SinCos, double, Acc::HA>(int64_t, const double*, double*, double*);
-template void kernel_in1_out2<fam::SinCos, double, Acc::LA>(int64_t, const double*, double*, double*);
-template void kernel_in1_out2<fam::SinCos, double, Acc::EP>(int64_t, const double*, double*, double*);
-template void kernel_in1_out2<fam::SinCos, float, Acc::HA>(int64_t, const float*, float*, float*);
-template void kernel_in1_out2<fam::SinCos, float, Acc::LA>(int64_t, const float*, float*, float*);
-template void kernel_in1_out2<fam::SinCos, float, Acc::EP>(int64_t, const float*, float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/sincos/sincos_kernels.inc"

@@ -20,7 +20,6 @@ struct Policy<fam::Sqr, T, A> {
   [[gnu::always_inline]] static V vector(V a) { return a * a; }
 };
 
-template void kernel_in1_out1<fam::Sqr, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Sqr, float, Acc::HA>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/sqr/sqr_kernels.inc"

@@ -52,11 +52,6 @@ struct Policy<fam::Sqrt, T, A> {
   }
 };
 
-template void kernel_in1_out1<fam::Sqrt, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Sqrt, double, Acc::LA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Sqrt, double, Acc::EP>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Sqrt, float, Acc::HA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::Sqrt, float, Acc::LA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::Sqrt, float, Acc::EP>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/sqrt/sqrt_kernels.inc"

@@ -20,7 +20,6 @@ struct Policy<fam::Sub, T, A> {
   [[gnu::always_inline]] static V vector(V a, V b) { return a - b; }
 };
 
-template void kernel_in2_out1<fam::Sub, double, Acc::HA>(int64_t, const double*, const double*, double*);
-template void kernel_in2_out1<fam::Sub, float, Acc::HA>(int64_t, const float*, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/sub/sub_kernels.inc"

@@ -30,11 +30,6 @@ struct Policy<fam::Tan, T, A> : trig::TrigPolicy<TrigOut::Tan, T, A> {
   static int32_t scalar(const T* a, T* r) { return trig_rare<T>(TrigOut::Tan, a, r, r); }
 };
 
-template void kernel_in1_out1<fam::Tan, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Tan, double, Acc::LA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Tan, double, Acc::EP>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Tan, float, Acc::HA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::Tan, float, Acc::LA>(int64_t, const float*, float*);
-template void kernel_in1_out1<fam::Tan, float, Acc::EP>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/tan/tan_kernels.inc"

@@ -19,7 +19,6 @@ struct Policy<fam::Trunc, T, A> {
   [[gnu::always_inline]] static V vector(V a) { return simd::trunc(a); }
 };
 
-template void kernel_in1_out1<fam::Trunc, double, Acc::HA>(int64_t, const double*, double*);
-template void kernel_in1_out1<fam::Trunc, float, Acc::HA>(int64_t, const float*, float*);
-
 }  // namespace oxa::vml
+
+#include "vector_math/trunc/trunc_kernels.inc"
