@@ -50,6 +50,8 @@ SHAPES = {
     "in2_out1": ("OxaVmlKernelIn2", "int64_t n, const {T}* a, const {T}* b, {T}* r"),
     "in1_scalar_out1": ("OxaVmlKernelPowx", "int64_t n, const {T}* a, {T} b, {T}* r"),
     "in1_out2": ("OxaVmlKernel2", "int64_t n, const {T}* a, {T}* r1, {T}* r2"),
+    "linear_frac": ("OxaVmlKernelLinearFrac",
+                    "int64_t n, const {T}* a, const {T}* b, {T} scalea, {T} shifta, {T} scaleb, {T} shiftb, {T}* r"),
 }
 ROW = re.compile(r"^OXA_VML_FAMILY\((.*)\)\s*$")
 

@@ -38,6 +38,9 @@ struct Candidate {
   std::function<void(int64_t n, const void* a, void* r)> run;
   std::function<void(int64_t n, void* a)> fill;  // inputs of the function's domain
   bool is_float = false;
+  int inputs = 1;                // arrays a reads: a[0, n), a[n, 2n), ...
+  int outputs = 1;               // arrays r writes, likewise
+  std::vector<int64_t> sizes{};  // the values of n, if not the defaults
 };
 
 void add(Candidate c);
@@ -71,6 +74,20 @@ inline std::function<void(int64_t, const void*, void*)> vector_loop(__m256 (*f)(
     const float* x = static_cast<const float*>(a);
     float* y = static_cast<float*>(r);
     for (int64_t i = 0; i + 8 <= n; i += 8) _mm256_storeu_ps(y + i, f(_mm256_loadu_ps(x + i)));
+  };
+}
+
+// Kernels of two inputs (read from a and a + n) or two outputs (to r, r + n).
+template <class T>
+std::function<void(int64_t, const void*, void*)> kernel(void (*k)(int64_t, const T*, const T*, T*)) {
+  return [k](int64_t n, const void* a, void* r) {
+    k(n, static_cast<const T*>(a), static_cast<const T*>(a) + n, static_cast<T*>(r));
+  };
+}
+template <class T>
+std::function<void(int64_t, const void*, void*)> kernel(void (*k)(int64_t, const T*, T*, T*)) {
+  return [k](int64_t n, const void* a, void* r) {
+    k(n, static_cast<const T*>(a), static_cast<T*>(r), static_cast<T*>(r) + n);
   };
 }
 

@@ -69,16 +69,16 @@ int main(int argc, char** argv) {
   using namespace oxa::bench;
   Collector collector;
   for (const Candidate& c : candidates()) {
-    std::vector<int64_t> sizes = {1024, 1048576};
+    std::vector<int64_t> sizes = c.sizes.empty() ? std::vector<int64_t>{1024, 1048576} : c.sizes;
     if (c.ours) sizes.insert(sizes.begin(), 16);
     for (int64_t n : sizes) {
       const std::string name = c.function + "/" + c.name + "/" + std::to_string(n);
       collector.index[name] = {&c, n};
       benchmark::RegisterBenchmark(name.c_str(), [&c, n](benchmark::State& state) {
         const size_t bytes = static_cast<size_t>(n) * (c.is_float ? 4 : 8);
-        void* a = oxa_serv_allocate(bytes, 128);
-        void* r = oxa_serv_allocate(bytes, 128);
-        c.fill(n, a);
+        void* a = oxa_serv_allocate(bytes * c.inputs, 128);
+        void* r = oxa_serv_allocate(bytes * c.outputs, 128);
+        c.fill(n * c.inputs, a);
         for (auto _ : state) {
           c.run(n, a, r);
           benchmark::DoNotOptimize(r);

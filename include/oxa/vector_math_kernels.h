@@ -18,10 +18,14 @@
 /* Kernel pointer types, one per argument shape and element type. */
 typedef void (*OxaVmlKernel_s)(int64_t n, const float* a, float* r);
 typedef void (*OxaVmlKernel_d)(int64_t n, const double* a, double* r);
+typedef void (*OxaVmlKernelIn2_s)(int64_t n, const float* a, const float* b, float* r);
+typedef void (*OxaVmlKernelIn2_d)(int64_t n, const double* a, const double* b, double* r);
 typedef void (*OxaVmlKernelPowx_s)(int64_t n, const float* a, float b, float* r);
 typedef void (*OxaVmlKernelPowx_d)(int64_t n, const double* a, double b, double* r);
 typedef void (*OxaVmlKernel2_s)(int64_t n, const float* a, float* r1, float* r2);
 typedef void (*OxaVmlKernel2_d)(int64_t n, const double* a, double* r1, double* r2);
+typedef void (*OxaVmlKernelLinearFrac_s)(int64_t n, const float* a, const float* b, float scalea, float shifta, float scaleb, float shiftb, float* r);
+typedef void (*OxaVmlKernelLinearFrac_d)(int64_t n, const double* a, const double* b, double scalea, double shifta, double scaleb, double shiftb, double* r);
 
 /* ---- CdfNormInv: r = Phi^-1(a), the inverse of the standard normal CDF. */
 void oxa_vml_kernel_dCdfNormInv_E9HAynn(int64_t n, const double* a, double* r);
@@ -241,5 +245,289 @@ void _vmlsErfInv(int64_t n, const float* a, float* r); /* slot 1: HA */
 void _vmlsErfInv_HA(int64_t n, const float* a, float* r); /* slot 1: HA */
 void _vmlsErfInv_21(int64_t n, const float* a, float* r); /* slot 0: LA */
 void _vmlsErfInv_11(int64_t n, const float* a, float* r); /* slot 2: EP */
+
+/* ---- Add: r = a + b. */
+void oxa_vml_kernel_dAdd_E9HAynn(int64_t n, const double* a, const double* b, double* r);
+extern const OxaVmlKernelIn2_d oxa_vml_kernel_dAdd_ttab[3];
+extern const float oxa_vml_kernel_dAdd_ctab[3];
+void _vmldAdd(int64_t n, const double* a, const double* b, double* r); /* slot 1: HA */
+void _vmldAdd_HA(int64_t n, const double* a, const double* b, double* r); /* slot 1: HA */
+void _vmldAdd_50(int64_t n, const double* a, const double* b, double* r); /* slot 0: HA */
+void _vmldAdd_26(int64_t n, const double* a, const double* b, double* r); /* slot 2: HA */
+void oxa_vml_kernel_sAdd_E9HAynn(int64_t n, const float* a, const float* b, float* r);
+extern const OxaVmlKernelIn2_s oxa_vml_kernel_sAdd_ttab[3];
+extern const float oxa_vml_kernel_sAdd_ctab[3];
+void _vmlsAdd(int64_t n, const float* a, const float* b, float* r); /* slot 1: HA */
+void _vmlsAdd_HA(int64_t n, const float* a, const float* b, float* r); /* slot 1: HA */
+void _vmlsAdd_21(int64_t n, const float* a, const float* b, float* r); /* slot 0: HA */
+void _vmlsAdd_11(int64_t n, const float* a, const float* b, float* r); /* slot 2: HA */
+
+/* ---- Sub: r = a - b. */
+void oxa_vml_kernel_dSub_E9HAynn(int64_t n, const double* a, const double* b, double* r);
+extern const OxaVmlKernelIn2_d oxa_vml_kernel_dSub_ttab[3];
+extern const float oxa_vml_kernel_dSub_ctab[3];
+void _vmldSub(int64_t n, const double* a, const double* b, double* r); /* slot 1: HA */
+void _vmldSub_HA(int64_t n, const double* a, const double* b, double* r); /* slot 1: HA */
+void _vmldSub_50(int64_t n, const double* a, const double* b, double* r); /* slot 0: HA */
+void _vmldSub_26(int64_t n, const double* a, const double* b, double* r); /* slot 2: HA */
+void oxa_vml_kernel_sSub_E9HAynn(int64_t n, const float* a, const float* b, float* r);
+extern const OxaVmlKernelIn2_s oxa_vml_kernel_sSub_ttab[3];
+extern const float oxa_vml_kernel_sSub_ctab[3];
+void _vmlsSub(int64_t n, const float* a, const float* b, float* r); /* slot 1: HA */
+void _vmlsSub_HA(int64_t n, const float* a, const float* b, float* r); /* slot 1: HA */
+void _vmlsSub_21(int64_t n, const float* a, const float* b, float* r); /* slot 0: HA */
+void _vmlsSub_11(int64_t n, const float* a, const float* b, float* r); /* slot 2: HA */
+
+/* ---- Mul: r = a * b. */
+void oxa_vml_kernel_dMul_E9HAynn(int64_t n, const double* a, const double* b, double* r);
+extern const OxaVmlKernelIn2_d oxa_vml_kernel_dMul_ttab[3];
+extern const float oxa_vml_kernel_dMul_ctab[3];
+void _vmldMul(int64_t n, const double* a, const double* b, double* r); /* slot 1: HA */
+void _vmldMul_HA(int64_t n, const double* a, const double* b, double* r); /* slot 1: HA */
+void _vmldMul_50(int64_t n, const double* a, const double* b, double* r); /* slot 0: HA */
+void _vmldMul_26(int64_t n, const double* a, const double* b, double* r); /* slot 2: HA */
+void oxa_vml_kernel_sMul_E9HAynn(int64_t n, const float* a, const float* b, float* r);
+extern const OxaVmlKernelIn2_s oxa_vml_kernel_sMul_ttab[3];
+extern const float oxa_vml_kernel_sMul_ctab[3];
+void _vmlsMul(int64_t n, const float* a, const float* b, float* r); /* slot 1: HA */
+void _vmlsMul_HA(int64_t n, const float* a, const float* b, float* r); /* slot 1: HA */
+void _vmlsMul_21(int64_t n, const float* a, const float* b, float* r); /* slot 0: HA */
+void _vmlsMul_11(int64_t n, const float* a, const float* b, float* r); /* slot 2: HA */
+
+/* ---- Div: r = a / b. */
+void oxa_vml_kernel_dDiv_E9HAynn(int64_t n, const double* a, const double* b, double* r);
+void oxa_vml_kernel_dDiv_E9LAynn(int64_t n, const double* a, const double* b, double* r);
+void oxa_vml_kernel_dDiv_E9EPnnn(int64_t n, const double* a, const double* b, double* r);
+extern const OxaVmlKernelIn2_d oxa_vml_kernel_dDiv_ttab[3];
+extern const float oxa_vml_kernel_dDiv_ctab[3];
+void _vmldDiv(int64_t n, const double* a, const double* b, double* r); /* slot 1: HA */
+void _vmldDiv_HA(int64_t n, const double* a, const double* b, double* r); /* slot 1: HA */
+void _vmldDiv_50(int64_t n, const double* a, const double* b, double* r); /* slot 0: LA */
+void _vmldDiv_26(int64_t n, const double* a, const double* b, double* r); /* slot 2: EP */
+void oxa_vml_kernel_sDiv_E9HAynn(int64_t n, const float* a, const float* b, float* r);
+void oxa_vml_kernel_sDiv_E9LAynn(int64_t n, const float* a, const float* b, float* r);
+void oxa_vml_kernel_sDiv_E9EPnnn(int64_t n, const float* a, const float* b, float* r);
+extern const OxaVmlKernelIn2_s oxa_vml_kernel_sDiv_ttab[3];
+extern const float oxa_vml_kernel_sDiv_ctab[3];
+void _vmlsDiv(int64_t n, const float* a, const float* b, float* r); /* slot 1: HA */
+void _vmlsDiv_HA(int64_t n, const float* a, const float* b, float* r); /* slot 1: HA */
+void _vmlsDiv_21(int64_t n, const float* a, const float* b, float* r); /* slot 0: LA */
+void _vmlsDiv_11(int64_t n, const float* a, const float* b, float* r); /* slot 2: EP */
+
+/* ---- Sqr: r = a * a. */
+void oxa_vml_kernel_dSqr_E9HAynn(int64_t n, const double* a, double* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dSqr_ttab[3];
+extern const float oxa_vml_kernel_dSqr_ctab[3];
+void _vmldSqr(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldSqr_HA(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldSqr_50(int64_t n, const double* a, double* r); /* slot 0: HA */
+void _vmldSqr_26(int64_t n, const double* a, double* r); /* slot 2: HA */
+void oxa_vml_kernel_sSqr_E9HAynn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_s oxa_vml_kernel_sSqr_ttab[3];
+extern const float oxa_vml_kernel_sSqr_ctab[3];
+void _vmlsSqr(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsSqr_HA(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsSqr_21(int64_t n, const float* a, float* r); /* slot 0: HA */
+void _vmlsSqr_11(int64_t n, const float* a, float* r); /* slot 2: HA */
+
+/* ---- Inv: r = 1 / a. */
+void oxa_vml_kernel_dInv_E9HAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dInv_E9LAynn(int64_t n, const double* a, double* r);
+void oxa_vml_kernel_dInv_E9EPnnn(int64_t n, const double* a, double* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dInv_ttab[3];
+extern const float oxa_vml_kernel_dInv_ctab[3];
+void _vmldInv(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldInv_HA(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldInv_50(int64_t n, const double* a, double* r); /* slot 0: LA */
+void _vmldInv_26(int64_t n, const double* a, double* r); /* slot 2: EP */
+void oxa_vml_kernel_sInv_E9HAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sInv_E9LAynn(int64_t n, const float* a, float* r);
+void oxa_vml_kernel_sInv_E9EPnnn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_s oxa_vml_kernel_sInv_ttab[3];
+extern const float oxa_vml_kernel_sInv_ctab[3];
+void _vmlsInv(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsInv_HA(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsInv_21(int64_t n, const float* a, float* r); /* slot 0: LA */
+void _vmlsInv_11(int64_t n, const float* a, float* r); /* slot 2: EP */
+
+/* ---- Abs: r = |a|. */
+void oxa_vml_kernel_dAbs_E9HAynn(int64_t n, const double* a, double* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dAbs_ttab[3];
+extern const float oxa_vml_kernel_dAbs_ctab[3];
+void _vmldAbs(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldAbs_HA(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldAbs_50(int64_t n, const double* a, double* r); /* slot 0: HA */
+void _vmldAbs_26(int64_t n, const double* a, double* r); /* slot 2: HA */
+void oxa_vml_kernel_sAbs_E9HAynn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_s oxa_vml_kernel_sAbs_ttab[3];
+extern const float oxa_vml_kernel_sAbs_ctab[3];
+void _vmlsAbs(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsAbs_HA(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsAbs_21(int64_t n, const float* a, float* r); /* slot 0: HA */
+void _vmlsAbs_11(int64_t n, const float* a, float* r); /* slot 2: HA */
+
+/* ---- Hypot: r = sqrt(a^2 + b^2), without spurious overflow or underflow. */
+void oxa_vml_kernel_dHypot_E9HAynn(int64_t n, const double* a, const double* b, double* r);
+void oxa_vml_kernel_dHypot_E9LAynn(int64_t n, const double* a, const double* b, double* r);
+void oxa_vml_kernel_dHypot_E9EPnnn(int64_t n, const double* a, const double* b, double* r);
+extern const OxaVmlKernelIn2_d oxa_vml_kernel_dHypot_ttab[3];
+extern const float oxa_vml_kernel_dHypot_ctab[3];
+void _vmldHypot(int64_t n, const double* a, const double* b, double* r); /* slot 1: HA */
+void _vmldHypot_HA(int64_t n, const double* a, const double* b, double* r); /* slot 1: HA */
+void _vmldHypot_50(int64_t n, const double* a, const double* b, double* r); /* slot 0: LA */
+void _vmldHypot_26(int64_t n, const double* a, const double* b, double* r); /* slot 2: EP */
+void oxa_vml_kernel_sHypot_E9HAynn(int64_t n, const float* a, const float* b, float* r);
+void oxa_vml_kernel_sHypot_E9LAynn(int64_t n, const float* a, const float* b, float* r);
+void oxa_vml_kernel_sHypot_E9EPnnn(int64_t n, const float* a, const float* b, float* r);
+extern const OxaVmlKernelIn2_s oxa_vml_kernel_sHypot_ttab[3];
+extern const float oxa_vml_kernel_sHypot_ctab[3];
+void _vmlsHypot(int64_t n, const float* a, const float* b, float* r); /* slot 1: HA */
+void _vmlsHypot_HA(int64_t n, const float* a, const float* b, float* r); /* slot 1: HA */
+void _vmlsHypot_21(int64_t n, const float* a, const float* b, float* r); /* slot 0: LA */
+void _vmlsHypot_11(int64_t n, const float* a, const float* b, float* r); /* slot 2: EP */
+
+/* ---- Ceil: r = the least integer >= a. */
+void oxa_vml_kernel_dCeil_E9HAynn(int64_t n, const double* a, double* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dCeil_ttab[3];
+extern const float oxa_vml_kernel_dCeil_ctab[3];
+void _vmldCeil(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldCeil_HA(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldCeil_50(int64_t n, const double* a, double* r); /* slot 0: HA */
+void _vmldCeil_26(int64_t n, const double* a, double* r); /* slot 2: HA */
+void oxa_vml_kernel_sCeil_E9HAynn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_s oxa_vml_kernel_sCeil_ttab[3];
+extern const float oxa_vml_kernel_sCeil_ctab[3];
+void _vmlsCeil(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsCeil_HA(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsCeil_21(int64_t n, const float* a, float* r); /* slot 0: HA */
+void _vmlsCeil_11(int64_t n, const float* a, float* r); /* slot 2: HA */
+
+/* ---- Floor: r = the greatest integer <= a. */
+void oxa_vml_kernel_dFloor_E9HAynn(int64_t n, const double* a, double* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dFloor_ttab[3];
+extern const float oxa_vml_kernel_dFloor_ctab[3];
+void _vmldFloor(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldFloor_HA(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldFloor_50(int64_t n, const double* a, double* r); /* slot 0: HA */
+void _vmldFloor_26(int64_t n, const double* a, double* r); /* slot 2: HA */
+void oxa_vml_kernel_sFloor_E9HAynn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_s oxa_vml_kernel_sFloor_ttab[3];
+extern const float oxa_vml_kernel_sFloor_ctab[3];
+void _vmlsFloor(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsFloor_HA(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsFloor_21(int64_t n, const float* a, float* r); /* slot 0: HA */
+void _vmlsFloor_11(int64_t n, const float* a, float* r); /* slot 2: HA */
+
+/* ---- Round: r = a rounded to the nearest integer, halfway cases away from zero. */
+void oxa_vml_kernel_dRound_E9HAynn(int64_t n, const double* a, double* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dRound_ttab[3];
+extern const float oxa_vml_kernel_dRound_ctab[3];
+void _vmldRound(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldRound_HA(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldRound_50(int64_t n, const double* a, double* r); /* slot 0: HA */
+void _vmldRound_26(int64_t n, const double* a, double* r); /* slot 2: HA */
+void oxa_vml_kernel_sRound_E9HAynn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_s oxa_vml_kernel_sRound_ttab[3];
+extern const float oxa_vml_kernel_sRound_ctab[3];
+void _vmlsRound(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsRound_HA(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsRound_21(int64_t n, const float* a, float* r); /* slot 0: HA */
+void _vmlsRound_11(int64_t n, const float* a, float* r); /* slot 2: HA */
+
+/* ---- Trunc: r = a rounded toward zero. */
+void oxa_vml_kernel_dTrunc_E9HAynn(int64_t n, const double* a, double* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dTrunc_ttab[3];
+extern const float oxa_vml_kernel_dTrunc_ctab[3];
+void _vmldTrunc(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldTrunc_HA(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldTrunc_50(int64_t n, const double* a, double* r); /* slot 0: HA */
+void _vmldTrunc_26(int64_t n, const double* a, double* r); /* slot 2: HA */
+void oxa_vml_kernel_sTrunc_E9HAynn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_s oxa_vml_kernel_sTrunc_ttab[3];
+extern const float oxa_vml_kernel_sTrunc_ctab[3];
+void _vmlsTrunc(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsTrunc_HA(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsTrunc_21(int64_t n, const float* a, float* r); /* slot 0: HA */
+void _vmlsTrunc_11(int64_t n, const float* a, float* r); /* slot 2: HA */
+
+/* ---- Rint: r = a rounded to an integer in the caller's rounding mode. */
+void oxa_vml_kernel_dRint_E9HAynn(int64_t n, const double* a, double* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dRint_ttab[3];
+extern const float oxa_vml_kernel_dRint_ctab[3];
+void _vmldRint(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldRint_HA(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldRint_50(int64_t n, const double* a, double* r); /* slot 0: HA */
+void _vmldRint_26(int64_t n, const double* a, double* r); /* slot 2: HA */
+void oxa_vml_kernel_sRint_E9HAynn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_s oxa_vml_kernel_sRint_ttab[3];
+extern const float oxa_vml_kernel_sRint_ctab[3];
+void _vmlsRint(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsRint_HA(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsRint_21(int64_t n, const float* a, float* r); /* slot 0: HA */
+void _vmlsRint_11(int64_t n, const float* a, float* r); /* slot 2: HA */
+
+/* ---- NearbyInt: r = a rounded to an integer in the caller's rounding mode. */
+void oxa_vml_kernel_dNearbyInt_E9HAynn(int64_t n, const double* a, double* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dNearbyInt_ttab[3];
+extern const float oxa_vml_kernel_dNearbyInt_ctab[3];
+void _vmldNearbyInt(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldNearbyInt_HA(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldNearbyInt_50(int64_t n, const double* a, double* r); /* slot 0: HA */
+void _vmldNearbyInt_26(int64_t n, const double* a, double* r); /* slot 2: HA */
+void oxa_vml_kernel_sNearbyInt_E9HAynn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_s oxa_vml_kernel_sNearbyInt_ttab[3];
+extern const float oxa_vml_kernel_sNearbyInt_ctab[3];
+void _vmlsNearbyInt(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsNearbyInt_HA(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsNearbyInt_21(int64_t n, const float* a, float* r); /* slot 0: HA */
+void _vmlsNearbyInt_11(int64_t n, const float* a, float* r); /* slot 2: HA */
+
+/* ---- Frac: r = a - Trunc(a), with the sign of a. */
+void oxa_vml_kernel_dFrac_E9HAynn(int64_t n, const double* a, double* r);
+extern const OxaVmlKernel_d oxa_vml_kernel_dFrac_ttab[3];
+extern const float oxa_vml_kernel_dFrac_ctab[3];
+void _vmldFrac(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldFrac_HA(int64_t n, const double* a, double* r); /* slot 1: HA */
+void _vmldFrac_50(int64_t n, const double* a, double* r); /* slot 0: HA */
+void _vmldFrac_26(int64_t n, const double* a, double* r); /* slot 2: HA */
+void oxa_vml_kernel_sFrac_E9HAynn(int64_t n, const float* a, float* r);
+extern const OxaVmlKernel_s oxa_vml_kernel_sFrac_ttab[3];
+extern const float oxa_vml_kernel_sFrac_ctab[3];
+void _vmlsFrac(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsFrac_HA(int64_t n, const float* a, float* r); /* slot 1: HA */
+void _vmlsFrac_21(int64_t n, const float* a, float* r); /* slot 0: HA */
+void _vmlsFrac_11(int64_t n, const float* a, float* r); /* slot 2: HA */
+
+/* ---- Modf: r1 = Trunc(a), the integer part; r2 = Frac(a), the fraction. */
+void oxa_vml_kernel_dModf_E9HAynn(int64_t n, const double* a, double* r1, double* r2);
+extern const OxaVmlKernel2_d oxa_vml_kernel_dModf_ttab[3];
+extern const float oxa_vml_kernel_dModf_ctab[3];
+void _vmldModf(int64_t n, const double* a, double* r1, double* r2); /* slot 1: HA */
+void _vmldModf_HA(int64_t n, const double* a, double* r1, double* r2); /* slot 1: HA */
+void _vmldModf_50(int64_t n, const double* a, double* r1, double* r2); /* slot 0: HA */
+void _vmldModf_26(int64_t n, const double* a, double* r1, double* r2); /* slot 2: HA */
+void oxa_vml_kernel_sModf_E9HAynn(int64_t n, const float* a, float* r1, float* r2);
+extern const OxaVmlKernel2_s oxa_vml_kernel_sModf_ttab[3];
+extern const float oxa_vml_kernel_sModf_ctab[3];
+void _vmlsModf(int64_t n, const float* a, float* r1, float* r2); /* slot 1: HA */
+void _vmlsModf_HA(int64_t n, const float* a, float* r1, float* r2); /* slot 1: HA */
+void _vmlsModf_21(int64_t n, const float* a, float* r1, float* r2); /* slot 0: HA */
+void _vmlsModf_11(int64_t n, const float* a, float* r1, float* r2); /* slot 2: HA */
+
+/* ---- LinearFrac: r = (scalea * a + shifta) / (scaleb * b + shiftb), the four */
+void oxa_vml_kernel_dLinearFrac_H8HAynn(int64_t n, const double* a, const double* b, double scalea, double shifta, double scaleb, double shiftb, double* r);
+extern const OxaVmlKernelLinearFrac_d oxa_vml_kernel_dLinearFrac_ttab[3];
+extern const float oxa_vml_kernel_dLinearFrac_ctab[3];
+void _vmldLinearFrac(int64_t n, const double* a, const double* b, double scalea, double shifta, double scaleb, double shiftb, double* r); /* slot 1: HA */
+void _vmldLinearFrac_HA(int64_t n, const double* a, const double* b, double scalea, double shifta, double scaleb, double shiftb, double* r); /* slot 1: HA */
+void _vmldLinearFrac_50(int64_t n, const double* a, const double* b, double scalea, double shifta, double scaleb, double shiftb, double* r); /* slot 0: HA */
+void _vmldLinearFrac_26(int64_t n, const double* a, const double* b, double scalea, double shifta, double scaleb, double shiftb, double* r); /* slot 2: HA */
+void oxa_vml_kernel_sLinearFrac_H8HAynn(int64_t n, const float* a, const float* b, float scalea, float shifta, float scaleb, float shiftb, float* r);
+extern const OxaVmlKernelLinearFrac_s oxa_vml_kernel_sLinearFrac_ttab[3];
+extern const float oxa_vml_kernel_sLinearFrac_ctab[3];
+void _vmlsLinearFrac(int64_t n, const float* a, const float* b, float scalea, float shifta, float scaleb, float shiftb, float* r); /* slot 1: HA */
+void _vmlsLinearFrac_HA(int64_t n, const float* a, const float* b, float scalea, float shifta, float scaleb, float shiftb, float* r); /* slot 1: HA */
+void _vmlsLinearFrac_21(int64_t n, const float* a, const float* b, float scalea, float shifta, float scaleb, float shiftb, float* r); /* slot 0: HA */
+void _vmlsLinearFrac_11(int64_t n, const float* a, const float* b, float scalea, float shifta, float scaleb, float shiftb, float* r); /* slot 2: HA */
 
 #endif /* OXA_VECTOR_MATH_KERNELS_H */

@@ -20,6 +20,7 @@ template <class T> using ptr_in1_out1 = void (*)(int64_t, const T*, T*);
 template <class T> using ptr_in2_out1 = void (*)(int64_t, const T*, const T*, T*);
 template <class T> using ptr_in1_scalar_out1 = void (*)(int64_t, const T*, T, T*);
 template <class T> using ptr_in1_out2 = void (*)(int64_t, const T*, T*, T*);
+template <class T> using ptr_linear_frac = void (*)(int64_t, const T*, const T*, T, T, T, T, T*);
 
 // Slot fill-in for levels a function lacks.
 template <class P>
@@ -38,6 +39,9 @@ constexpr P first_of(P a, P b, P c) { return first_of(a, first_of(b, c)); }
 #define OXA_VML_ARGS_in1_scalar_out1 (n, a, b, r)
 #define OXA_VML_PARAMS_in1_out2(T) (int64_t n, const T* a, T* r1, T* r2)
 #define OXA_VML_ARGS_in1_out2 (n, a, r1, r2)
+#define OXA_VML_PARAMS_linear_frac(T) \
+  (int64_t n, const T* a, const T* b, T scalea, T shifta, T scaleb, T shiftb, T* r)
+#define OXA_VML_ARGS_linear_frac (n, a, b, scalea, shifta, scaleb, shiftb, r)
 
 // Numbers of the LA and EP stubs per element type.
 #define OXA_VML_LOW_s 21

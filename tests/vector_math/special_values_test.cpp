@@ -56,13 +56,16 @@ bool matches(T got, const std::string& want) {
   return std::bit_cast<Bits<T>>(got) == std::bit_cast<Bits<T>>(from_bits<T>(want));
 }
 
-// One level of a catalogued function on n elements; b is the scalar argument.
+// One level of a catalogued function on n elements; b is the scalar argument,
+// bv the second input array of the two-input shape.
 template <class T>
 struct Kernel {
   const Catalogued* k;
   int slot;
-  void operator()(int64_t n, const T* a, T b, T* r1, T* r2) const {
-    if (k->shape == "in1_out1")
+  void operator()(int64_t n, const T* a, T b, const T* bv, T* r1, T* r2) const {
+    if (k->shape == "in2_out1")
+      static_cast<void (*const*)(int64_t, const T*, const T*, T*)>(k->ttab)[slot](n, a, bv, r1);
+    else if (k->shape == "in1_out1")
       static_cast<void (*const*)(int64_t, const T*, T*)>(k->ttab)[slot](n, a, r1);
     else if (k->shape == "in1_out2")
       static_cast<void (*const*)(int64_t, const T*, T*, T*)>(k->ttab)[slot](n, a, r1, r2);
@@ -81,14 +84,17 @@ void check_case(const Case& c, const Kernel<T>& kernel, const std::vector<T>& or
   const T b = c.in.size() > 1 ? from_bits<T>(c.in[1]) : T(0);
   const int32_t want_status = c.status ? c.status : kUntouched;
   const size_t n = ordinary.size();
+  // Two inputs: the other lanes' b are the ordinary inputs in reverse order.
+  const std::vector<T> ordinary_b(ordinary.rbegin(), ordinary.rend());
   std::vector<T> plain1(n), plain2(n);
-  kernel(static_cast<int64_t>(n), ordinary.data(), b, plain1.data(), plain2.data());
+  kernel(static_cast<int64_t>(n), ordinary.data(), b, ordinary_b.data(), plain1.data(), plain2.data());
   for (size_t pos = 0; pos <= n; ++pos) {  // pos == n: the case alone
     std::vector<T> in = pos == n ? std::vector<T>{a} : ordinary, r1(in.size()), r2(in.size());
+    std::vector<T> in_b = pos == n ? std::vector<T>{b} : ordinary_b;
     const size_t at = pos == n ? 0 : pos;
-    in[at] = a;
+    in[at] = a, in_b[at] = b;
     oxa_vml_kernel_SetErrStatus(kUntouched);
-    kernel(static_cast<int64_t>(in.size()), in.data(), b, r1.data(), r2.data());
+    kernel(static_cast<int64_t>(in.size()), in.data(), b, in_b.data(), r1.data(), r2.data());
     EXPECT_TRUE(matches(r1[at], c.out[0])) << where << " position " << pos << " gave " << r1[at];
     if (c.out.size() > 1) {
       EXPECT_TRUE(matches(r2[at], c.out[1])) << where << " position " << pos << " gave " << r2[at];

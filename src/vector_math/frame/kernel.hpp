@@ -31,6 +31,8 @@ template <class Family, class T, Acc A, class Isa = simd::Avx2>
 void kernel_in1_scalar_out1(int64_t n, const T* a, T b, T* r);
 template <class Family, class T, Acc A, class Isa = simd::Avx2>
 void kernel_in1_out2(int64_t n, const T* a, T* r1, T* r2);
+template <class Family, class T, Acc A, class Isa = simd::Avx2>
+void kernel_linear_frac(int64_t n, const T* a, const T* b, T scalea, T shifta, T scaleb, T shiftb, T* r);
 
 // "v" + type letter + name, e.g. "vdExp".
 template <class Family, class T>

@@ -33,6 +33,8 @@
 //   kSetsControlWord = true      // false for families that leave MXCSR alone
 //   kSafeInput = 1, kSafeInput2 = 1  // inputs inside the fast range (a, b)
 //   kFormulaTakesAnyInput = false    // see above
+// A family without special lanes (the exact arithmetic, the rounding family)
+// omits special() and scalar(); its kernels then run the formula alone.
 // The error name is kErrorName<fam::Name, T, A> (kernel.hpp): "v<t><kName of
 // the family tag>" unless specialised.
 #pragma once
@@ -97,9 +99,22 @@ constexpr T safe_input2() {
   return T(1);
 }
 template <class P>
+constexpr bool has_special_lanes() {
+  return requires { &P::scalar; };
+}
+template <class P>
 constexpr bool formula_takes_any_input() {
   if constexpr (requires { P::kFormulaTakesAnyInput; }) return P::kFormulaTakesAnyInput;
-  return false;
+  return !has_special_lanes<P>();
+}
+
+// The family's special-lane test, or no lanes for a family without one.
+template <class P, class T, class Isa, class... V>
+[[gnu::always_inline]] inline Mask<T, Isa> special_lanes(V... x) {
+  if constexpr (has_special_lanes<P>())
+    return P::special(x...);
+  else
+    return simd::no_lanes<T, Isa>();
 }
 
 // The inputs the vector formula sees: special lanes replaced by `safe`,
@@ -152,7 +167,7 @@ struct In1Out1 {
   struct Lanes { V a; };
   static constexpr T kSafe = safe_input<P, T>();
   Lanes load(int32_t i, int g) const { return {load_group<Isa>(a + i, g, kSafe)}; }
-  static Mask<T, Isa> special(const Lanes& x) { return P::special(x.a); }
+  static Mask<T, Isa> special(const Lanes& x) { return special_lanes<P, T, Isa>(x.a); }
   [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, Mask<T, Isa> mask) const {
     const V y = P::vector(screen<P>(x.a, mask, kSafe));
     store_group(r + i, y, g);
@@ -169,7 +184,8 @@ struct In1Out1 {
   }
   void restore(int32_t i, const Lanes& x, unsigned bits) const { restore_lanes(r, a, i, x.a, bits); }
   [[gnu::noinline, gnu::cold]] void settle(int32_t i) const {
-    if (const int32_t s = P::scalar(a + i, r + i); s != 0) report_error<T>(s, i, a, a, r, r, name);
+    if constexpr (has_special_lanes<P>())
+      if (const int32_t s = P::scalar(a + i, r + i); s != 0) report_error<T>(s, i, a, a, r, r, name);
   }
 };
 
@@ -185,7 +201,7 @@ struct In2Out1 {
   Lanes load(int32_t i, int g) const {
     return {load_group<Isa>(a + i, g, kSafe), load_group<Isa>(b + i, g, kSafe2)};
   }
-  static Mask<T, Isa> special(const Lanes& x) { return P::special(x.a, x.b); }
+  static Mask<T, Isa> special(const Lanes& x) { return special_lanes<P, T, Isa>(x.a, x.b); }
   [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, Mask<T, Isa> mask) const {
     const V y = P::vector(screen<P>(x.a, mask, kSafe), screen<P>(x.b, mask, kSafe2));
     store_group(r + i, y, g);
@@ -195,7 +211,8 @@ struct In2Out1 {
     restore_lanes(r, b, i, x.b, bits);
   }
   [[gnu::noinline, gnu::cold]] void settle(int32_t i) const {
-    if (const int32_t s = P::scalar(a + i, b + i, r + i); s != 0) report_error<T>(s, i, a, b, r, r, name);
+    if constexpr (has_special_lanes<P>())
+      if (const int32_t s = P::scalar(a + i, b + i, r + i); s != 0) report_error<T>(s, i, a, b, r, r, name);
   }
 };
 
@@ -233,7 +250,7 @@ struct In1Out2 {
   struct Lanes { V a; };
   static constexpr T kSafe = safe_input<P, T>();
   Lanes load(int32_t i, int g) const { return {load_group<Isa>(a + i, g, kSafe)}; }
-  static Mask<T, Isa> special(const Lanes& x) { return P::special(x.a); }
+  static Mask<T, Isa> special(const Lanes& x) { return special_lanes<P, T, Isa>(x.a); }
   [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, Mask<T, Isa> mask) const {
     V y1, y2;
     P::vector(screen<P>(x.a, mask, kSafe), y1, y2);
@@ -245,9 +262,29 @@ struct In1Out2 {
     restore_lanes(r2, a, i, x.a, bits);
   }
   [[gnu::noinline, gnu::cold]] void settle(int32_t i) const {
-    if (const int32_t s = P::scalar(a + i, r1 + i, r2 + i); s != 0)
-      report_error<T>(s, i, a, a, r1, r2, name);
+    if constexpr (has_special_lanes<P>())
+      if (const int32_t s = P::scalar(a + i, r1 + i, r2 + i); s != 0)
+        report_error<T>(s, i, a, a, r1, r2, name);
   }
+};
+
+// Two arrays and four scalars: r = (scalea*a + shifta) / (scaleb*b + shiftb).
+// The scalars reach the formula as broadcast vectors; no special lanes.
+template <class P, class T, class Isa>
+struct LinearFrac {
+  using V = Vec<T, Isa>;
+  const T* a;
+  const T* b;
+  V scalea, shifta, scaleb, shiftb;
+  T* r;
+  struct Lanes { V a, b; };
+  Lanes load(int32_t i, int g) const { return {load_group<Isa>(a + i, g, T(1)), load_group<Isa>(b + i, g, T(1))}; }
+  static Mask<T, Isa> special(const Lanes&) { return simd::no_lanes<T, Isa>(); }
+  [[gnu::always_inline]] void compute_store(int32_t i, int g, Lanes x, Mask<T, Isa>) const {
+    store_group(r + i, P::vector(x.a, x.b, scalea, shifta, scaleb, shiftb), g);
+  }
+  void restore(int32_t, const Lanes&, unsigned) const {}
+  void settle(int32_t) const {}
 };
 
 // One group of g lanes at element i.
@@ -267,7 +304,9 @@ inline void group(const Shape& io, int32_t i, int g) {
 
 // The blocked loop shared by every shape.
 template <class P, class T, class Isa, class Shape>
-void run(int64_t count, const Shape& io) {
+void run(int64_t count, const Shape& shape) {
+  // A local copy keeps the array pointers in registers across the stores.
+  const Shape io = shape;
   constexpr int W = Vec<T, Isa>::kLanes;
   const int32_t n = static_cast<int32_t>(count);  // the arithmetic kernels use 32 bits of n
   if (n <= 0) return;
@@ -303,6 +342,13 @@ void run(int64_t count, const Shape& io) {
 }
 
 }  // namespace frame
+
+template <class F, class T, Acc A, class Isa>
+void kernel_linear_frac(int64_t n, const T* a, const T* b, T scalea, T shifta, T scaleb, T shiftb, T* r) {
+  using P = Policy<F, T, A>;
+  using V = simd::Vec<T, Isa>;
+  frame::run<P, T, Isa>(n, frame::LinearFrac<P, T, Isa>{a, b, V(scalea), V(shifta), V(scaleb), V(shiftb), r});
+}
 
 template <class F, class T, Acc A, class Isa>
 void kernel_in1_out1(int64_t n, const T* a, T* r) {

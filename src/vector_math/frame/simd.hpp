@@ -23,12 +23,12 @@
 //     each rounded once (also on plain double and float); sqrt (also on
 //     plain double and float, errno untouched), min, max,
 //     abs, sign_bit, round_even / floor / ceil / trunc (no exception),
-//     rint (current rounding mode);
+//     rint (current rounding mode), nearbyint (the same, no inexact);
 //   & | ^ on any Vec, and_not(a, b) = a & ~b;
 //   compares: == < <= > >= != (ordered, false on NaN; != true on NaN),
 //     nlt (unordered not-less) and is_nan on floating lanes; == and > (signed)
 //     on integer lanes; all give a Mask;
-//   masks: & | ^, and_not, ~, any, lane_bits (bit k = lane k),
+//   masks: & | ^, and_not, ~, any, lane_bits (bit k = lane k), no_lanes<T, Isa>(),
 //     select(m, a, b) (b where m is set, else a), keep_where(m, x) (x or 0),
 //     zero_where(m, x) (0 or x), mask_cast<U>(m) between lane types of one width,
 //     widen(m) from Mask<int32_t, Half<Isa>> to Mask<double, Isa>,
@@ -163,6 +163,9 @@ template <class T, class Isa, std::enable_if_t<std::is_floating_point_v<T>, int>
 inline Vec<T, Isa> sign_bit(Vec<T, Isa> a) { return a & Vec<T, Isa>(T(-0.0)); }
 template <class T, class Isa>
 inline Mask<T, Isa> operator>(Vec<T, Isa> a, Vec<T, Isa> b) requires std::is_floating_point_v<T> { return b < a; }
+// The empty mask: no lane set.
+template <class T, class Isa>
+inline Mask<T, Isa> no_lanes() { return Mask<T, Isa>{typename Mask<T, Isa>::native{}}; }
 template <class T, class Isa>
 inline Mask<T, Isa> operator>=(Vec<T, Isa> a, Vec<T, Isa> b) requires std::is_floating_point_v<T> { return b <= a; }
 

@@ -62,6 +62,8 @@ inline VAd trunc(VAd a) { return {_mm256_round_pd(a.v, _MM_FROUND_TO_ZERO | _MM_
 inline VAf trunc(VAf a) { return {_mm256_round_ps(a.v, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC)}; }
 inline VAd rint(VAd a) { return {_mm256_round_pd(a.v, _MM_FROUND_CUR_DIRECTION)}; }
 inline VAf rint(VAf a) { return {_mm256_round_ps(a.v, _MM_FROUND_CUR_DIRECTION)}; }
+inline VAd nearbyint(VAd a) { return {_mm256_round_pd(a.v, _MM_FROUND_CUR_DIRECTION | _MM_FROUND_NO_EXC)}; }
+inline VAf nearbyint(VAf a) { return {_mm256_round_ps(a.v, _MM_FROUND_CUR_DIRECTION | _MM_FROUND_NO_EXC)}; }
 
 // Bitwise operations.
 inline VAd operator&(VAd a, VAd b) { return {_mm256_and_pd(a.v, b.v)}; }

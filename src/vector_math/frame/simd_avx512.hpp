@@ -54,6 +54,8 @@ inline VZd trunc(VZd a) { return {_mm512_roundscale_pd(a.v, _MM_FROUND_TO_ZERO |
 inline VZf trunc(VZf a) { return {_mm512_roundscale_ps(a.v, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC)}; }
 inline VZd rint(VZd a) { return {_mm512_roundscale_pd(a.v, _MM_FROUND_CUR_DIRECTION)}; }
 inline VZf rint(VZf a) { return {_mm512_roundscale_ps(a.v, _MM_FROUND_CUR_DIRECTION)}; }
+inline VZd nearbyint(VZd a) { return {_mm512_roundscale_pd(a.v, _MM_FROUND_CUR_DIRECTION | _MM_FROUND_NO_EXC)}; }
+inline VZf nearbyint(VZf a) { return {_mm512_roundscale_ps(a.v, _MM_FROUND_CUR_DIRECTION | _MM_FROUND_NO_EXC)}; }
 
 inline VZd operator&(VZd a, VZd b) { return {_mm512_and_pd(a.v, b.v)}; }
 inline VZd operator|(VZd a, VZd b) { return {_mm512_or_pd(a.v, b.v)}; }

@@ -1,0 +1,25 @@
+// Sqr: r = a * a.
+// Method: the processor's multiplication.
+// Accuracy: exact (the operation is correctly rounded).
+// Special: none; infinities and NaN follow the operation (a NaN operand's
+//   payload passes on, a signalling NaN is quietened). No status.
+#include <cstdint>
+
+#include "vector_math/frame/kernel_frame.hpp"
+
+namespace oxa::vml {
+namespace fam {
+struct Sqr {
+  static constexpr const char* kName = "Sqr";
+};
+}  // namespace fam
+
+template <class T, Acc A>
+struct Policy<fam::Sqr, T, A> {
+  template <class V>
+  [[gnu::always_inline]] static V vector(V a) { return a * a; }
+};
+
+}  // namespace oxa::vml
+
+#include "vector_math/sqr/sqr_kernels.inc"
