@@ -1,4 +1,4 @@
-// Behaviour of the inverse normal CDF kernels beyond special_values.txt: the
+// Behaviour of the inverse normal CDF kernels beyond ieee_cases.txt: the
 // reported elements, symmetry, the fast-range boundary, the far tail and the
 // control word.
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Behaviour of the inverse error function kernels beyond special_values.txt:
+// Behaviour of the inverse error function kernels beyond ieee_cases.txt:
 // odd symmetry, the approach to +-1 and the denormal field of the mode.
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// Behaviour of the exponential kernels beyond special_values.txt: the largest
+// Behaviour of the exponential kernels beyond ieee_cases.txt: the largest
 // finite results, subnormal results under both denormal modes.
 #include <gtest/gtest.h>
 

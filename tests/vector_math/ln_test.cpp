@@ -1,4 +1,4 @@
-// Behaviour of the logarithm kernels beyond special_values.txt: subnormal
+// Behaviour of the logarithm kernels beyond ieee_cases.txt: subnormal
 // inputs under both denormal modes, exact results.
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// Behaviour of the power kernels beyond special_values.txt (which holds the
+// Behaviour of the power kernels beyond ieee_cases.txt (which holds the
 // C99 pow special cases): signs of negative bases and the error report.
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Behaviour of the square-root and reciprocal-square-root kernels beyond
-// special_values.txt: the scaled ranges of the scalar routine and the
+// ieee_cases.txt: the scaled ranges of the scalar routine and the
 // denormal field of the mode.
 #include <gtest/gtest.h>
 

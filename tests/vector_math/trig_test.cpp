@@ -1,5 +1,5 @@
 // Behaviour of the Sin, Cos, SinCos and Tan kernels beyond
-// special_values.txt: SinCos's error reports, the denormal field of the mode
+// ieee_cases.txt: SinCos's error reports, the denormal field of the mode
 // and the exact reduction of huge arguments against MPFR.
 #include <gtest/gtest.h>
 #include <mpfr.h>

@@ -1,4 +1,4 @@
-// Special values of every catalogued kernel, driven by special_values.txt:
+// Special values of every catalogued kernel, driven by ieee_cases.txt:
 // each case (input bits, expected result bits, expected status) runs alone
 // and at every position of a vector of ordinary inputs, so that every block
 // and tail group of the kernel frame meets it and the other lanes must keep
@@ -78,7 +78,7 @@ struct Kernel {
 
 template <class T>
 void check_case(const Case& c, const Kernel<T>& kernel, const std::vector<T>& ordinary) {
-  const std::string where = "special_values.txt:" + std::to_string(c.line) + " " + c.t + c.func + " slot " +
+  const std::string where = "ieee_cases.txt:" + std::to_string(c.line) + " " + c.t + c.func + " slot " +
                             std::to_string(kernel.slot);
   const T a = from_bits<T>(c.in[0]);
   const T b = c.in.size() > 1 ? from_bits<T>(c.in[1]) : T(0);
@@ -128,7 +128,7 @@ void check(const Case& c, const std::map<std::string, std::vector<std::string>>&
     if (e.t == c.t && e.func == c.func) k = &e;
   const auto range = ordinary.find(c.t + c.func);
   if (k == nullptr || range == ordinary.end()) {
-    ADD_FAILURE() << "special_values.txt:" << c.line << " " << c.t << c.func << " not catalogued or no ordinary line";
+    ADD_FAILURE() << "ieee_cases.txt:" << c.line << " " << c.t << c.func << " not catalogued or no ordinary line";
     return;
   }
   const T b = c.in.size() > 1 ? from_bits<T>(c.in[1]) : T(0);
@@ -139,8 +139,8 @@ void check(const Case& c, const std::map<std::string, std::vector<std::string>>&
 }
 
 TEST(VectorMathSpecialValues, EveryCaseInEveryPosition) {
-  std::ifstream in(OXA_VML_TEST_DATA "/special_values.txt");
-  ASSERT_TRUE(in.good()) << "special_values.txt not found";
+  std::ifstream in(OXA_VML_TEST_DATA "/ieee_cases.txt");
+  ASSERT_TRUE(in.good()) << "ieee_cases.txt not found";
   std::map<std::string, std::vector<std::string>> ordinary;
   std::vector<Case> cases;
   std::string line;
@@ -157,7 +157,7 @@ TEST(VectorMathSpecialValues, EveryCaseInEveryPosition) {
     size_t i = 3;
     for (; i < w.size() && w[i] != "->"; ++i) c.in.push_back(w[i]);
     for (++i; i + 1 < w.size(); ++i) c.out.push_back(w[i]);
-    ASSERT_TRUE(!c.in.empty() && !c.out.empty() && i < w.size()) << "special_values.txt:" << no;
+    ASSERT_TRUE(!c.in.empty() && !c.out.empty() && i < w.size()) << "ieee_cases.txt:" << no;
     c.status = std::atoi(w.back().c_str());
     cases.push_back(c);
   }
@@ -165,7 +165,7 @@ TEST(VectorMathSpecialValues, EveryCaseInEveryPosition) {
   for (const Case& c : cases) {
     if (c.t == "d") check<double>(c, ordinary);
     else if (c.t == "s") check<float>(c, ordinary);
-    else ADD_FAILURE() << "special_values.txt:" << c.line << ": no driver for type " << c.t;
+    else ADD_FAILURE() << "ieee_cases.txt:" << c.line << ": no driver for type " << c.t;
   }
   oxa_vml_kernel_SetMode(mode);
   oxa_vml_kernel_ClearErrStatus();
