@@ -9,38 +9,10 @@ namespace {
 
 constexpr int64_t kStackSites = 4096;
 
-// Chooses the method; -1026 for a bad data hint.
-template <Real T>
-oxa_status choose_method(const DfTask& task, int64_t sitehint, const T* datahint, bool user,
-                         SearchJob<T>& j) {
-  if (user) {
-    j.method = task.xhint == DF_X_UNIFORM ? Method::kUserDefUniform : Method::kUserDef;
-  } else if (task.xhint == DF_X_UNIFORM) {
-    j.method = Method::kUniform;
-  } else if (task.xhint == DF_X_QUASI_UNIFORM) {
-    j.method = Method::kQuasiUniform;
-  } else if (sitehint == DF_SITE_SORTED) {
-    j.method = Method::kSorted;
-  } else if (datahint != nullptr && datahint[1] != T(0)) {
-    if (datahint[1] != T(1)) return DF_ERR_BAD_DATA_HINT;  // NaN included
-    const T p = datahint[4];
-    if (!(p >= T(0) && p <= static_cast<T>(task.nx))) return DF_ERR_BAD_DATA_HINT;
-    j.method = Method::kPeak;
-    j.peak = static_cast<int64_t>(p);
-  } else {
-    j.method = Method::kHybrid;
-  }
-  return DF_OK;
-}
-
 // site[0] + i·(site[1] − site[0])/(nsite − 1) for i = 0 .. nsite−1.
 template <Real T>
 void materialise_sites(const T* ends, int64_t n, T* out) {
-  out[0] = ends[0];
-  if (n < 2) return;
-  const T d = ends[1] - ends[0];
-  const T m = static_cast<T>(n - 1);
-  for (int64_t i = 1; i < n; ++i) out[i] = ends[0] + static_cast<T>(i) * d / m;
+  for (int64_t i = 0; i < n; ++i) out[i] = uniform_site(ends, n, i);
 }
 
 template <Real T>

@@ -80,6 +80,41 @@ oxa_status search_range(const SearchJob<T>& j, int64_t begin, int64_t n, int64_t
   return DF_OK;
 }
 
+// Site i of nsite uniform sites given by their two ends:
+// ends[0] + i·(ends[1] − ends[0])/(nsite − 1). Sites, unlike breakpoints, do
+// not pin the last one to ends[1].
+template <Real T>
+inline T uniform_site(const T* ends, int64_t nsite, int64_t i) {
+  if (i == 0 || nsite < 2) return ends[0];
+  return ends[0] + static_cast<T>(i) * (ends[1] - ends[0]) / static_cast<T>(nsite - 1);
+}
+
+// The search method for a task and a request (partition hint, site hint, data
+// hint, call-back), shared by the search dispatcher and the spline kernels;
+// -1026 for a bad data hint.
+template <Real T>
+inline oxa_status choose_method(const DfTask& task, int64_t sitehint, const T* datahint, bool user,
+                         SearchJob<T>& j) {
+  if (user) {
+    j.method = task.xhint == DF_X_UNIFORM ? Method::kUserDefUniform : Method::kUserDef;
+  } else if (task.xhint == DF_X_UNIFORM) {
+    j.method = Method::kUniform;
+  } else if (task.xhint == DF_X_QUASI_UNIFORM) {
+    j.method = Method::kQuasiUniform;
+  } else if (sitehint == DF_SITE_SORTED) {
+    j.method = Method::kSorted;
+  } else if (datahint != nullptr && datahint[1] != T(0)) {
+    if (datahint[1] != T(1)) return DF_ERR_BAD_DATA_HINT;  // NaN included
+    const T p = datahint[4];
+    if (!(p >= T(0) && p <= static_cast<T>(task.nx))) return DF_ERR_BAD_DATA_HINT;
+    j.method = Method::kPeak;
+    j.peak = static_cast<int64_t>(p);
+  } else {
+    j.method = Method::kHybrid;
+  }
+  return DF_OK;
+}
+
 // Threaded drivers, one per method, in method order (user-defined ones run
 // sequentially: the call-back sees the whole array at once).
 template <Real T>

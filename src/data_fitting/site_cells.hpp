@@ -15,26 +15,12 @@ template <Real T>
 oxa_status site_search_job(const DfTask& task, int64_t sitehint, const T* datahint,
                            SearchJob<T>& j) {
   j = SearchJob<T>{};
-  if (task.xhint == DF_X_UNIFORM) {
-    j.method = Method::kUniform;
-  } else if (task.xhint == DF_X_QUASI_UNIFORM) {
-    j.method = Method::kQuasiUniform;
-  } else if (sitehint == DF_SITE_SORTED) {
-    j.method = Method::kSorted;
-  } else if (datahint != nullptr && datahint[1] != T(0)) {
-    if (datahint[1] != T(1)) return DF_ERR_BAD_DATA_HINT;  // NaN included
-    const T p = datahint[4];
-    if (!(p >= T(0) && p <= static_cast<T>(task.nx))) return DF_ERR_BAD_DATA_HINT;
-    j.method = Method::kPeak;
-    j.peak = static_cast<int64_t>(p);
-  } else {
-    j.method = Method::kHybrid;
-  }
+  if (const oxa_status s = choose_method(task, sitehint, datahint, false, j); s != DF_OK) return s;
   j.nx = task.nx;
   j.x = static_cast<const T*>(task.x);
   j.width = Width::k64;
   const T x_last = task.xhint == DF_X_UNIFORM ? j.x[1] : j.x[j.nx - 1];
-  j.inv = static_cast<T>(j.nx - 1) / (x_last - j.x[0]);
+  j.inv = uniform_inverse_step(j.x[0], x_last, j.nx);
   if (task.nbins > 0) {
     j.bins = task.bins;
     j.inv_bin_width = inv_bin_width<T>(task);
@@ -49,9 +35,7 @@ struct Sites {
   int64_t n;
   bool uniform;
   T operator[](int64_t i) const {
-    if (!uniform) return s[i];
-    if (n < 2) return s[0];
-    return s[0] + static_cast<T>(i) * (s[1] - s[0]) / static_cast<T>(n - 1);
+    return uniform ? uniform_site(s, n, i) : s[i];
   }
 };
 
