@@ -8,7 +8,7 @@
 //   and 4) down to the smallest subnormal; EP in float (degree 2) down to
 //   2^-125, below which the scalar routine takes over.
 // Accuracy: d HA 0.503 ulp, LA 2.2 ulp, EP 2^-27 rel; s HA 0.54 ulp, LA 1.4 ulp,
-//   EP 2^-15 rel (tests/vector_math/cdfnorminv_accuracy; s over every float).
+//   EP 2^-15 rel (tests/vector_math/accuracy.txt; s over every float).
 // Special: 0 and -0 -> -inf, 1 -> +inf, status 2; a < 0, a > 1, +-inf -> NaN,
 //   status 1; NaN -> NaN quietly; 1/2 -> +0 exactly. Double a < 2^-54 takes the
 //   far-tail routine (cdfnorminv_tail.cpp). The control word is left alone.

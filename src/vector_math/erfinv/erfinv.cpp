@@ -10,7 +10,7 @@
 //   double on the single tables.
 // Accuracy: d HA 0.79 ulp (at results below 2^-1020, where x g.lo rounds on
 //   the subnormal grid), LA 2.3 ulp, EP 2^-27 rel; s HA 0.53 ulp, LA 1.5 ulp,
-//   EP 2^-15 rel (measured by tests/vector_math/erfinv_accuracy).
+//   EP 2^-15 rel (measured by tests/vector_math/accuracy.txt).
 // Special: +-1 -> +-inf, status 2; |a| > 1 (including +-inf) -> NaN, status 1;
 //   NaN -> NaN quietly; +-0 -> +-0. Tiny arguments give subnormal results,
 //   flushed to zero when the mode flushes denormals.

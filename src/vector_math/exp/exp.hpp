@@ -5,7 +5,7 @@
 //   register, degree 4 (EP 2). The scalar routine works in double.
 // Accuracy: d HA 0.51 ulp (0.75 on subnormal results), LA 1.0 ulp; s HA
 //   0.59 ulp, LA 0.88 ulp (all floats), EP 2^-16 rel (measured by
-//   tests/vector_math/exp_accuracy).
+//   tests/vector_math/accuracy.txt).
 // Special: +inf -> +inf; -inf -> +0; NaN -> NaN quietly; overflow (d a >
 //   709.78, s a > 88.72) -> +inf, status 3; result below the smallest normal
 //   (subnormal or 0) -> that result, status 4. The fast path takes |a| < 704

@@ -7,8 +7,8 @@
 //   0.5 ulp plus a tiny truncation error. EP: the processor's estimate (of
 //   the nearest float, for double) with one second-order correction in
 //   double, or as it stands in float.
-// Accuracy: HA and LA d 0.50 ulp, s 0.51 ulp; EP d 2^-34.6 rel, s 2^-11.9 rel
-//   (measured by tests/vector_math/invsqrt_accuracy).
+// Accuracy: HA and LA d 0.50 ulp, s 0.51 ulp; EP d 2^-34.47 rel, s 2^-11.9 rel
+//   (measured by tests/vector_math/accuracy.txt).
 // Special: +-0 -> +-inf, status 2; a < 0 (including -inf) -> NaN, status 1;
 //   +inf -> +0; NaN -> NaN quietly. Inputs outside the fast range (subnormal;
 //   double >= 2^1022, float >= 2^125; double EP outside [2^-126, 2^126)) are

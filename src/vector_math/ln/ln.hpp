@@ -6,7 +6,7 @@
 //   registers, |r| < 2^-5, HA again with an exact leading sum. The scalar
 //   routine works in double.
 // Accuracy: d HA 0.50 ulp, LA 1.22 ulp, EP 2^-32 rel; s HA 0.58 ulp, LA 1.49
-//   ulp (all floats), EP 2^-17 rel (measured by tests/vector_math/ln_accuracy).
+//   ulp (all floats), EP 2^-17 rel (measured by tests/vector_math/accuracy.txt).
 // Special: +-0 -> -inf, status 2; a < 0 (and -inf) -> NaN, status 1; +inf ->
 //   +inf; NaN -> NaN quietly; 1 -> +0. Subnormal inputs (taken as zero when
 //   the mode treats denormals as zero) and all the above go to the scalar

@@ -5,8 +5,8 @@
 //   (evaluated in double): ln|a| rounded to double, then e^x. A negative a with an
 //   integer b takes the sign of a when b is odd.
 // Accuracy: d HA 0.74 ulp, LA 0.74 ulp (both on subnormal results), EP
-//   2^-31 rel; s HA 0.50 ulp, LA 0.50 ulp, EP 2^-19 rel (measured by
-//   tests/vector_math/powx_accuracy).
+//   2^-31 rel; s HA 0.50 ulp, LA 0.532 ulp, EP 2^-19 rel (measured by
+//   tests/vector_math/accuracy.txt).
 // Special: the C99 pow cases: b = +-0 or a = 1 -> 1 (even for NaN); NaN
 //   otherwise -> NaN quietly; a = +-0 with b < 0 -> +-inf (the sign of a only
 //   for odd integer b), status 2; a = +-0 with b > 0 -> +-0; infinite a or b

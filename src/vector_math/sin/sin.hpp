@@ -4,7 +4,7 @@
 //   forms r z S(0) exactly; single HA runs in double, single LA/EP in float
 //   while |a| < 2^12 (trig/trig_core.hpp).
 // Accuracy: d HA 0.82 ulp, LA 1.9 ulp, EP 2^-33 rel; s HA 0.50 ulp, LA 2.2 ulp,
-//   EP 2^-17.6 rel (measured by tests/vector_math/trig_accuracy).
+//   EP 2^-17.6 rel (measured by tests/vector_math/accuracy.txt).
 // Special: +-inf -> NaN, status 1; NaN -> NaN quietly; |a| < 2^-27 (s: 2^-12)
 //   -> a, signed zeros kept; |a| >= 2^30 reduced exactly (trig/reduce_pio2d.cpp)
 //   and evaluated as HA in every level (trig/trig_rare.cpp).

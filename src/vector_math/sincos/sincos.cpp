@@ -4,7 +4,7 @@
 //   HA carries r, sin r and cos r in two parts; single HA runs in double,
 //   single LA/EP in float while |a| < 2^12 (trig/trig_core.hpp).
 // Accuracy: d HA 0.58 ulp, LA 1.5 ulp, EP 2^-35 rel; s HA 0.50 ulp, LA 1.5 ulp,
-//   EP 2^-17 rel, both outputs (measured by tests/vector_math/trig_accuracy).
+//   EP 2^-17 rel, both outputs (measured by tests/vector_math/accuracy.txt).
 // Special: +-inf -> NaN, NaN, status 1; NaN -> NaN, NaN quietly; |a| < 2^-27
 //   (s: 2^-12) -> a, 1; |a| >= 2^30 reduced exactly (trig/reduce_pio2d.cpp).
 // Tables: trig/trig_tables.inc, made by tools/fit/trig.py.

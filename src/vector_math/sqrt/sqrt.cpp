@@ -4,7 +4,7 @@
 //   estimate, which double corrects by the series of its residual
 //   (invsqrt/rsqrt_core.hpp).
 // Accuracy: HA and LA 0.5 ulp (correctly rounded); EP d 2^-34.5 rel,
-//   s 2^-11.9 rel (measured by tests/vector_math/sqrt_accuracy).
+//   s 2^-11.9 rel (measured by tests/vector_math/accuracy.txt).
 // Special: a < 0 (including -inf) -> NaN, status 1; +-0 -> +-0; +inf -> +inf;
 //   NaN -> NaN quietly. EP settles zeros, subnormals, infinities and (double)
 //   a outside [2^-126, 2^126) in the scalar routine, with the correctly

@@ -4,7 +4,7 @@
 //   quotient with the division's exact residual; LA and EP use a rational
 //   tan r = r P(z)/Q(z), odd k -Q/(r P), single LA/EP in float while |a| < 2^12.
 // Accuracy: d HA 0.66 ulp, LA 3.0 ulp, EP 2^-35 rel; s HA 0.50 ulp, LA 2.7 ulp,
-//   EP 2^-17 rel (measured by tests/vector_math/trig_accuracy).
+//   EP 2^-17 rel (measured by tests/vector_math/accuracy.txt).
 // Special: +-inf -> NaN, status 1; NaN -> NaN quietly; |a| < 2^-27 (s: 2^-12)
 //   -> a, signed zeros kept; |a| >= 2^30 reduced exactly (trig/reduce_pio2d.cpp)
 //   and evaluated as HA in every level. The kernels report under the names
