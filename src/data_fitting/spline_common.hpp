@@ -101,6 +101,21 @@ inline oxa_status check_coeff_pointers(const DfTask& t) {
   return DF_OK;
 }
 
+// What evaluation and integration check alike after their own arguments: the
+// result hint, the function list (nfunc = 0 selects every function) and the
+// value or coefficient pointers the spline's order reads.
+inline oxa_status check_request(const DfTask& t, int64_t rhint, int64_t& nfunc, const int64_t* func) {
+  if (rhint != 0 && rhint != DF_STORE_ROWS && rhint != DF_STORE_COLS && rhint != DF_STORE_SEPARATE)
+    return DF_ERR_BAD_RESULT_HINT;
+  const int64_t ny = t.ny <= 0 ? 1 : t.ny;
+  if (nfunc < 0 || (func == nullptr && nfunc > ny)) return DF_ERR_BAD_INDEX;
+  if (nfunc == 0) nfunc = ny;
+  if (func != nullptr)
+    for (int64_t f = 0; f < nfunc; ++f)
+      if (func[f] < 0 || func[f] >= ny) return DF_ERR_BAD_INDEX;
+  return t.s_order == 0 ? check_value_pointers(t) : check_coeff_pointers(t);
+}
+
 // Periodic condition: every function's first and last values equal (NaN
 // fails).
 template <Real T>

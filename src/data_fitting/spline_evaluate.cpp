@@ -245,19 +245,8 @@ oxa_status evaluate(DfTask* task, int64_t nsite, const T* site, int64_t sitehint
   if (nsite < 0) return DF_ERR_BAD_NSITE;
   if (nsite > 0 && site == nullptr) return DF_ERR_BAD_SITE;
   if (ndorder < 0 || ndorder > kMaxDerivatives) return DF_ERR_BAD_DORDER;
-  if (rhint != 0 && rhint != DF_STORE_ROWS && rhint != DF_STORE_COLS && rhint != DF_STORE_SEPARATE)
-    return DF_ERR_BAD_RESULT_HINT;
+  if (const oxa_status s = check_request(t, rhint, nfunc, func); s != DF_OK) return s;
   const int64_t ny = t.ny <= 0 ? 1 : t.ny;
-  if (nfunc < 0 || (func == nullptr && nfunc > ny)) return DF_ERR_BAD_INDEX;
-  if (nfunc == 0) nfunc = ny;
-  if (func != nullptr)
-    for (int64_t f = 0; f < nfunc; ++f)
-      if (func[f] < 0 || func[f] >= ny) return DF_ERR_BAD_INDEX;
-  if (order == 0) {
-    if (const oxa_status s = check_value_pointers(t); s != DF_OK) return s;
-  } else if (const oxa_status s = check_coeff_pointers(t); s != DF_OK) {
-    return s;
-  }
 
   auto* c = static_cast<EvalContext<T>*>(oxa_serv_allocate(sizeof(EvalContext<T>), kAlign));
   if (c == nullptr) return DF_ERR_MEM;

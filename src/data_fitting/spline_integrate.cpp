@@ -125,19 +125,8 @@ oxa_status integrate(DfTask* task, int64_t nlim, const T* llim, int64_t llimhint
     return DF_ERR_BAD_TYPE;
   if (nlim < 0) return DF_ERR_BAD_NSITE;
   if (nlim > 0 && (llim == nullptr || rlim == nullptr)) return DF_ERR_BAD_SITE;
-  if (rhint != 0 && rhint != DF_STORE_ROWS && rhint != DF_STORE_COLS && rhint != DF_STORE_SEPARATE)
-    return DF_ERR_BAD_RESULT_HINT;
+  if (const oxa_status s = check_request(t, rhint, nfunc, func); s != DF_OK) return s;
   const int64_t ny = t.ny <= 0 ? 1 : t.ny;
-  if (nfunc < 0 || (func == nullptr && nfunc > ny)) return DF_ERR_BAD_INDEX;
-  if (nfunc == 0) nfunc = ny;
-  if (func != nullptr)
-    for (int64_t f = 0; f < nfunc; ++f)
-      if (func[f] < 0 || func[f] >= ny) return DF_ERR_BAD_INDEX;
-  if (order == 0) {
-    if (const oxa_status s = check_value_pointers(t); s != DF_OK) return s;
-  } else if (const oxa_status s = check_coeff_pointers(t); s != DF_OK) {
-    return s;
-  }
   IntegralContext<T> c{};
   if (const oxa_status s = site_search_job<T>(t, llimhint, ldatahint, c.ljob); s != DF_OK) return s;
   if (const oxa_status s = site_search_job<T>(t, rlimhint, rdatahint, c.rjob); s != DF_OK) return s;
